@@ -1,0 +1,68 @@
+# Every habit of this repository as one command; `make help` lists them.
+# The builds live under build/, one folder for each preset of CMakePresets.json.
+SHELL := /bin/bash
+.SHELLFLAGS := -eu -o pipefail -c
+.DEFAULT_GOAL := all
+# lets ccache keep what is compiled with precompiled headers
+export CCACHE_SLOPPINESS := pch_defines,time_macros
+JOBS ?= $(shell nproc)
+EXAMPLE := examples/texts/workshop.mep
+LAUNCHER := $(shell command -v ccache >/dev/null && echo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+CONFIGURE = cmake --preset $(1) $(LAUNCHER) >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
+BUILD = mkdir -p build; $(call CONFIGURE,$(1)); cmake --build --preset $(1) -j $(JOBS)
+MAIN_JOB = build/$(1)/mep show $(EXAMPLE) -v scale=1.5 -v 'state="busy"' -v load=0.97 -v fill=0.4
+
+.PHONY: all test quick asan format format-check lint bench docs clean help
+.PHONY: tools-build tools-lint tools-bench build-release build-dev build-asan build-bench
+
+all: build-release ## install what is missing, build the release, show the shipped example (default)
+	@$(call MAIN_JOB,release)
+
+test: build-dev build-asan ## install what is missing, build, run every test, plain and under sanitizers
+	@$(call MAIN_JOB,dev) >/dev/null && echo "main job: mep show $(EXAMPLE): ok"
+	@printf 'subdirs("dev" "asan")\n' >build/CTestTestfile.cmake
+	@ctest --test-dir build --output-on-failure -j $(JOBS)
+
+quick: build-dev ## build and run the tests without sanitizers
+	@ctest --preset dev -j $(JOBS)
+
+asan: build-asan ## build and run the tests under AddressSanitizer, LeakSanitizer and UBSan
+	@ctest --preset asan -j $(JOBS)
+
+format: tools-lint ## rewrite the C++ sources in the house layout
+	@git ls-files -co --exclude-standard '*.h' '*.cpp' | xargs clang-format -i
+
+format-check: tools-lint ## fail when a C++ source is not in the house layout
+	@git ls-files -co --exclude-standard '*.h' '*.cpp' | xargs clang-format --dry-run -Werror
+
+lint: tools-lint ## run clang-tidy and cppcheck over all sources
+	@mkdir -p build; $(call CONFIGURE,dev)
+	@scripts/lint.sh build/dev $(JOBS)
+
+bench: build-bench ## build the benchmarks in release and run each
+	@scripts/run_benchmarks.sh build/bench
+
+docs: build-dev ## run the examples of the documents and check the map of the sources
+	@ctest --preset dev -R 'house|docs'
+
+clean: ## remove everything that was built
+	@rm -rf build
+
+help: ## list these targets
+	@awk -F ':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' Makefile
+
+tools-build:
+	@scripts/install_missing.sh build
+tools-lint:
+	@scripts/install_missing.sh lint
+tools-bench: tools-build
+	@scripts/install_missing.sh bench
+
+build-release: tools-build
+	@$(call BUILD,release)
+build-dev: tools-build
+	@$(call BUILD,dev)
+build-asan: build-dev
+	@$(call BUILD,asan)
+build-bench: tools-bench
+	@$(call BUILD,bench)

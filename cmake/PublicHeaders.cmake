@@ -1,0 +1,39 @@
+# The public headers, in the order in which the layers build on each other. This list is what
+# is installed, what each compiles alone in the tests, and what the house check takes as the
+# public face: a header that is not named here is internal.
+set(IXOMEP_PUBLIC_HEADERS
+    ixomep/export.h
+    ixomep/ixomep.h
+    ixomep/host/string.h
+    ixomep/host/res_id.h
+    ixomep/host/numbers.h
+    ixomep/host/international.h
+    ixomep/host/core_time.h
+    ixomep/host/reg_ex.h
+    ixomep/host/encodings.h
+    ixomep/host/color.h
+    ixomep/host/files.h
+    ixomep/host/cipher.h
+    ixomep/host/windowing.h
+    ixomep/host/clock.h
+    ixomep/host/assertion.h
+    ixomep/host/host.h
+    ixomep/host/memory_budget.h
+    ixomep/values/value_type.h
+    ixomep/values/value.h
+    ixomep/values/string_address_map.h
+    ixomep/values/error_code.h
+    ixomep/values/error.h
+    ixomep/values/object.h
+    ixomep/expr/node_type.h
+    ixomep/expr/node.h
+    ixomep/expr/value_set.h
+    ixomep/expr/value_set_pool.h
+    ixomep/expr/expression_parser.h
+    ixomep/expr/error_place.h
+    ixomep/parser/parser.h
+    ixomep/parser/element.h
+    ixomep/parser/converter.h
+    ixomep/messages/message.h
+    ixomep/messages/message_port.h
+    ixomep/messages/message_port_manager.h)

@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that a purpose needs and that are missing, and says which.
+# Does nothing, and touches no network, when everything is there.
+#   scripts/install_missing.sh build|lint|bench
+set -euo pipefail
+
+# package, and how its presence shows: a command, or a header written as <name>
+build_needs="g++:g++ cmake:cmake ninja-build:ninja ccache:ccache pkg-config:pkg-config
+  binutils:readelf python3:python3 libpcre2-dev:<pcre2.h> nettle-dev:<nettle/des.h>
+  libgtest-dev:<gtest/gtest.h> libcli11-dev:<CLI/CLI.hpp> libedit-dev:<histedit.h>
+  nlohmann-json3-dev:<nlohmann/json.hpp>"
+lint_needs="clang-format:clang-format clang-tidy:clang-tidy cppcheck:cppcheck git:git"
+bench_needs="libbenchmark-dev:<benchmark/benchmark.h>"
+
+case "${1:-}" in
+  build) needs=$build_needs ;;
+  lint) needs=$lint_needs ;;
+  bench) needs=$bench_needs ;;
+  *) echo "usage: $0 build|lint|bench" >&2; exit 2 ;;
+esac
+
+present() {
+  case "$1" in
+    \<*) printf '#define PCRE2_CODE_UNIT_WIDTH 8\n#if !__has_include(%s)\n#error\n#endif\n' "$1" |
+           g++ -E -x c++ - >/dev/null 2>&1 ;;
+    *) command -v "$1" >/dev/null 2>&1 ;;
+  esac
+}
+
+missing=()
+for need in $needs; do
+  present "${need#*:}" || missing+=("${need%%:*}")
+done
+if [ ${#missing[@]} -eq 0 ]; then exit 0; fi
+
+echo "installing what is missing: ${missing[*]}"
+if ! command -v apt-get >/dev/null 2>&1; then
+  echo "$0: this is not a Debian system; please install these packages yourself" >&2
+  exit 1
+fi
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then as_root=(sudo); fi
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+  apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Runs clang-tidy and cppcheck over the library and the command.
+#   scripts/lint.sh BUILD_DIRECTORY [JOBS]   (the build directory holds compile_commands.json)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=$1
+jobs=${2:-2}
+
+find ixomep tools -name '*.cpp' -print0 |
+  xargs -0 -n 4 -P "$jobs" clang-tidy -p "$build" --quiet
+cppcheck --quiet --std=c++20 --language=c++ -j "$jobs" -I . --inline-suppr \
+  --enable=warning,performance,portability --error-exitcode=1 \
+  --suppress=missingIncludeSystem ixomep tools
+echo "lint: clean"
