@@ -1,0 +1,93 @@
+// The time text: its check, reading and writing. See core_time.h for the layout.
+#include "ixomep/host/core_time.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "ixomep/host/numbers.h"
+
+namespace {
+
+constexpr std::string_view kLayout = "YY:DDD:HH:MM:SS";
+
+// A field of the layout: where it stands, its digits, its number of values, seconds of one unit.
+struct Field {
+  std::size_t position;
+  std::size_t digits;
+  int values;
+  int seconds;
+};
+
+constexpr std::array<Field, 5> kFields = {{
+    {0, 2, 100, 365 * 24 * 60 * 60},
+    {3, 3, 365, 24 * 60 * 60},
+    {7, 2, 24, 60 * 60},
+    {10, 2, 60, 60},
+    {13, 2, 60, 1},
+}};
+constexpr const Field& kYears = kFields[0];
+
+// The number in the field, -1 when a byte of it is no digit.
+int Read(const Field& field, std::string_view text) noexcept {
+  int number = 0;
+  for (const char byte : text.substr(field.position, field.digits)) {
+    if (byte < '0' || byte > '9') return -1;
+    number = number * 10 + (byte - '0');
+  }
+  return number;
+}
+
+void AppendPadded(String& text, std::string_view digits, std::size_t width) {
+  while (width > digits.size()) {
+    text += '0';
+    --width;
+  }
+  text.Append(digits);
+}
+
+}  // namespace
+
+bool IxoCoreTime::isTime(std::string_view text) noexcept {
+  if (text.size() != kLayout.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (kLayout[i] == ':' && text[i] != ':') return false;
+  }
+  return std::all_of(kFields.begin(), kFields.end(), [text](const Field& field) {
+    const int number = Read(field, text);
+    return number >= 0 && number < field.values;
+  });
+}
+
+IxoCoreTime::IxoCoreTime(const String& text) noexcept : seconds_(0.0) {
+  if (!isTime(text.view())) return;
+  for (const Field& field : kFields) {
+    seconds_ += static_cast<double>(Read(field, text.view())) * field.seconds;
+  }
+}
+
+String IxoCoreTime::_d2s(double seconds) {
+  if (std::isnan(seconds)) seconds = 0.0;
+  const double largest = std::numeric_limits<double>::max();
+  double rest = std::trunc(std::min(std::fabs(seconds), largest));
+  String text(seconds < 0.0 && rest > 0.0 ? "-" : "");
+
+  // Exact: the remainder is, and what is left over is a multiple of the divisor.
+  const double in_year = std::fmod(rest, kYears.seconds);
+  char years[320];
+  const char* end = std::to_chars(years, years + sizeof years, (rest - in_year) / kYears.seconds,
+                                  std::chars_format::fixed, 0)
+                        .ptr;
+  AppendPadded(text, {years, static_cast<std::size_t>(end - years)}, kYears.digits);
+
+  int left = static_cast<int>(in_year);
+  for (const Field& field : kFields) {
+    if (&field == &kYears) continue;
+    text += ':';
+    AppendPadded(text, StringFromInteger(left / field.seconds), field.digits);
+    left %= field.seconds;
+  }
+  return text;
+}
