@@ -1,0 +1,37 @@
+// Internal: the few questions that values ask of the expression engine. Answered in
+// ../expr/engine_hooks.cpp, so that values need no header of expr.
+#pragma once
+
+#include <cstdint>
+
+#include "ixomep/values/value.h"
+
+namespace ixomep {
+
+// Expressions: clone through the virtual CreateCopy, destroy, text as GetExpression(null) gives it.
+IxoMepExpressionParser* CloneExpression(const IxoMepExpressionParser* parser);
+void DestroyExpression(IxoMepExpressionParser* parser) noexcept;
+String TextOfExpression(const IxoMepExpressionParser* parser);
+
+// Lambdas: one more counted reference (a deep copy at the cap), one less, parameter count.
+IxoMepExprNode* KeepLambda(IxoMepExprNode* lambda);
+void DropLambda(IxoMepExprNode* lambda) noexcept;
+std::int32_t LambdaParamCount(const IxoMepExprNode* lambda) noexcept;
+
+// Is evaluating this lambda's body free of effects and of calls (operators, constants, and the
+// lambda's own parameters only)? Then a sort may compare in another order than written.
+bool IsPurePredicate(const IxoMepExprNode* lambda) noexcept;
+
+// A predicate of a sort: binds copies of first and second in a fresh scope without a parent and
+// evaluates the body; truth is its integer reading > 0. The lambda is held during the call.
+IxoMepErrorEnum ApplyPredicate(IxoMepExprNode* lambda, const IxoMepValue& first,
+                               const IxoMepValue& second, bool& truth, String& error_text);
+
+// Destroys nodes that wait for their destruction; called by the outermost teardown. True when
+// there were any.
+bool BuryDoomedNodes() noexcept;
+
+// Is there native stack left for one more level of recursion?
+bool HasStack() noexcept;
+
+}  // namespace ixomep

@@ -1,0 +1,87 @@
+// Interning: one address for each text, for the life of the process.
+#include "ixomep/values/string_address_map.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace ixomep::test {
+namespace {
+
+using Names = IxoMepStringAddressMap;
+
+TEST(StringAddressMap, The_empty_name_has_no_address) {
+  EXPECT_EQ(Names::GetAddress(""), nullptr);
+  EXPECT_EQ(Intern(""), nullptr);
+}
+
+struct Constant {
+  const char* address;
+  const char* text;
+};
+
+TEST(StringAddressMap, Each_constant_is_the_address_of_its_text) {
+  const Constant rows[] = {
+      {Names::IMEPSAM_COPY, "copy"},     {Names::IMEPSAM_EMPTY, "empty"},
+      {Names::IMEPSAM_ERASE, "erase"},   {Names::IMEPSAM_ERASE_ALL_FROM, "eraseAllFrom"},
+      {Names::IMEPSAM_INSERT, "insert"}, {Names::IMEPSAM_INSERT_ALL_FROM, "insertAllFrom"},
+      {Names::IMEPSAM_KEY, "key"},       {Names::IMEPSAM_LAST_INDEX_OF, "lastIndexOf"},
+      {Names::IMEPSAM_LENGTH, "length"}, {Names::IMEPSAM_SORT, "sort"},
+      {Names::IMEPSAM_TRIM, "trim"},     {Names::IMEPSAM_WITHOUT, "without"},
+  };
+  for (const Constant& row : rows) {
+    EXPECT_STREQ(row.address, row.text);
+    EXPECT_EQ(Names::GetAddress(row.text), row.address) << row.text;
+    EXPECT_EQ(Intern(row.text), row.address) << row.text;
+  }
+}
+
+TEST(StringAddressMap, The_same_text_gives_the_same_address_again) {
+  const char* const first = Names::GetAddress("some name");
+  EXPECT_STREQ(first, "some name");
+  std::vector<const char*> others;
+  for (int i = 0; i < 10000; ++i) others.push_back(Intern("name" + std::to_string(i)));
+  EXPECT_EQ(Names::GetAddress(String("some ") + "name"), first);
+  for (int i = 0; i < 10000; ++i) {
+    EXPECT_EQ(Intern("name" + std::to_string(i)), others[static_cast<std::size_t>(i)]);
+  }
+}
+
+TEST(StringAddressMap, Letter_case_counts) {
+  EXPECT_NE(Names::GetAddress("Length"), Names::IMEPSAM_LENGTH);
+  EXPECT_NE(Names::GetAddress("Name"), Names::GetAddress("name"));
+}
+
+TEST(StringAddressMap, A_prefix_and_a_zero_byte_make_other_names) {
+  EXPECT_NE(Intern("abc"), Intern("ab"));
+  const String with_zero("a\0b", 3);
+  EXPECT_NE(Names::GetAddress(with_zero), Names::GetAddress("a"));
+  EXPECT_EQ(std::memcmp(Names::GetAddress(with_zero), "a\0b\0", 4), 0);
+}
+
+TEST(StringAddressMap, The_address_is_a_copy_of_its_own) {
+  String name("volatile");
+  const char* const address = Names::GetAddress(name);
+  EXPECT_NE(address, name.c_str());
+  name += "!";
+  EXPECT_STREQ(address, "volatile");
+}
+
+TEST(StringAddressMap, A_copy_holds_the_same_texts_at_addresses_of_its_own) {
+  Names map;
+  const char* const address = map.Intern("x");
+  Names copy(map);
+  EXPECT_STREQ(copy.Intern("x"), "x");
+  EXPECT_NE(copy.Intern("x"), address);
+  Names assigned;
+  assigned.Intern("gone");
+  assigned = map;
+  assigned = *&assigned;
+  EXPECT_STREQ(assigned.Intern("x"), "x");
+  EXPECT_EQ(map.Intern("x"), address);
+}
+
+}  // namespace
+}  // namespace ixomep::test
