@@ -1,0 +1,195 @@
+// The evaluation members of IxoMepExprNode: the given interface over the evaluator. Here a result
+// slot becomes a local value and back: the result is stored last, because the slot may be the very
+// variable that is read, and nothing is thrown beyond this file.
+#include "ixomep/expr/binary_operators.h"
+#include "ixomep/expr/evaluator.h"
+#include "ixomep/expr/guarded.h"
+#include "ixomep/expr/unary_operators.h"
+#include "ixomep/values/error.h"
+
+using ixomep::Frame;
+using ixomep::Guarded;
+using Kind = IxoMepExprNodeType;
+
+std::int32_t IxoMepExprNode::m_nCallDepth = 0;
+
+namespace {
+
+// A failure destroys the value in the slot, unless it is a variable, which its scope destroys.
+void FailResult(IxoMepValue*& slot, const IxoMepValueSet* scope) noexcept {
+  if (slot != nullptr && scope != nullptr && scope->Owns(slot)) {
+    slot = nullptr;
+  } else {
+    ixomep::FailSlot(slot);
+  }
+}
+
+using Worker = IxoMepErrorEnum(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out);
+
+IxoMepErrorEnum RunWorker(Worker& worker, const IxoMepExprNode& node,
+                          const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
+                          IxoMepValue*& result, String& text, bool strict) {
+  Frame frame{parser, scope, text, strict};
+  const IxoMepErrorEnum code = Guarded(text, [&] {
+    IxoMepValue value;
+    const IxoMepErrorEnum worker_code = worker(node, frame, value);
+    if (worker_code == IMEPERR_NONE && !frame.no_result) {
+      ixomep::StoreResult(result, std::move(value));
+    }
+    return worker_code;
+  });
+  if (code != IMEPERR_NONE) FailResult(result, scope);
+  return code;
+}
+
+// Which worker serves a kind of node, when a host asks for one by its own name.
+bool IsOperator(Kind kind) noexcept {
+  return kind > Kind::Lambda && kind != Kind::Assign && kind != Kind::Comma;
+}
+
+bool IsMethodCall(const IxoMepExprNode& node) noexcept {
+  return node.GetType() == Kind::FunctionCall && node.Left() != nullptr &&
+         node.Left()->GetType() == Kind::ObjectSubscription;
+}
+
+IxoMepErrorEnum LendPlace(const IxoMepExprNode& node, const IxoMepExpressionParser* parser,
+                          IxoMepValueSet* scope, IxoMepValue*& result, String& text) {
+  result = nullptr;
+  return Guarded(text, [&] {
+    Frame frame{parser, scope, text, false};
+    ixomep::Place place;
+    IxoMepValue* value = nullptr;
+    IxoMepErrorEnum code = place.Evaluate(node, frame, ixomep::PlaceUse::Lend);
+    if (code == IMEPERR_NONE) code = place.Find(frame, value);
+    if (code == IMEPERR_NONE) result = value;
+    return code;
+  });
+}
+
+}  // namespace
+
+IxoMepErrorEnum IxoMepExprNode::Evaluate(const IxoMepExpressionParser* parser,
+                                         IxoMepValueSet* scope, IxoMepValue*& result,
+                                         String& errorText, bool strict) const {
+  return RunWorker(ixomep::Evaluate, *this, parser, scope, result, errorText, strict);
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateOpCall(const IxoMepExpressionParser* parser,
+                                               IxoMepValueSet* scope, IxoMepValue*& result,
+                                               String& errorText, bool strict) const {
+  Worker& worker = IsOperator(kind_) ? ixomep::EvaluateOperator : ixomep::Evaluate;
+  return RunWorker(worker, *this, parser, scope, result, errorText, strict);
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateFunctionCall(const IxoMepExpressionParser* parser,
+                                                     IxoMepValueSet* scope, IxoMepValue*& result,
+                                                     String& errorText, bool strict) const {
+  Worker& worker = kind_ == Kind::FunctionCall ? ixomep::EvaluateCall : ixomep::Evaluate;
+  return RunWorker(worker, *this, parser, scope, result, errorText, strict);
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateMethodCall(const IxoMepExpressionParser* parser,
+                                                   IxoMepValueSet* scope, IxoMepValue*& result,
+                                                   String& errorText, bool strict) const {
+  Worker& worker = IsMethodCall(*this) ? ixomep::EvaluateMethod : ixomep::Evaluate;
+  return RunWorker(worker, *this, parser, scope, result, errorText, strict);
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateObjectSubscriptionCall(
+    const IxoMepExpressionParser* parser, IxoMepValueSet* scope, IxoMepValue*& result,
+    String& errorText, bool strict) const {
+  Worker& worker = kind_ == Kind::ObjectSubscription ? ixomep::EvaluateProperty : ixomep::Evaluate;
+  return RunWorker(worker, *this, parser, scope, result, errorText, strict);
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateLValue(const IxoMepExpressionParser* parser,
+                                               IxoMepValueSet* scope, IxoMepValue*& result,
+                                               String& errorText) const {
+  return LendPlace(*this, parser, scope, result, errorText);
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateArraySubscriptionLValue(
+    const IxoMepExpressionParser* parser, IxoMepValueSet* scope, IxoMepValue*& result,
+    String& errorText) const {
+  return LendPlace(*this, parser, scope, result, errorText);
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateObjectSubscriptionLValue(
+    const IxoMepExpressionParser* parser, IxoMepValueSet* scope, IxoMepValue*& result,
+    String& errorText) const {
+  return LendPlace(*this, parser, scope, result, errorText);
+}
+
+// A null value is stored as undefined.
+IxoMepErrorEnum IxoMepExprNode::AssignToLValue(IxoMepValue* value,
+                                               const IxoMepExpressionParser* parser,
+                                               IxoMepValueSet* scope, String& errorText) const {
+  return Guarded(errorText, [&] {
+    Frame frame{parser, scope, errorText, false};
+    IxoMepValue copy(value != nullptr ? *value : *IxoMepValue::GetNull());
+    ixomep::Place place;
+    const IxoMepErrorEnum code = place.Evaluate(*this, frame);
+    return code != IMEPERR_NONE ? code : place.Store(frame, std::move(copy));
+  });
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateUnaryOpCall(Kind kind, IxoMepValue& operand,
+                                                    String& errorText, bool) {
+  return Guarded(errorText, [&] { return ixomep::ApplyUnary(kind, operand, errorText); });
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateBinaryOpCall(Kind kind, const IxoMepValue& left,
+                                                     IxoMepValue& right, String& errorText, bool) {
+  return Guarded(errorText, [&] { return ixomep::ApplyBinary(kind, left, right, errorText); });
+}
+
+IxoMepErrorEnum IxoMepExprNode::EvaluateLambda(const IxoMepExprNode* lambda,
+                                               const IxoMepExpressionParser* parser,
+                                               IxoMepValueSet* scope, IxoMepValue*& result,
+                                               String& errorText, bool strict) const {
+  Frame frame{parser, scope, errorText, strict};
+  const IxoMepErrorEnum code = Guarded(errorText, [&] {
+    if (lambda == nullptr) return ixomep::Raise(errorText, IMEPERR_NOT_CALLABLE);
+    IxoMepValue value;
+    const IxoMepErrorEnum call_code = ixomep::CallLambda(*lambda, *this, frame, value);
+    if (call_code == IMEPERR_NONE && !frame.no_result) {
+      ixomep::StoreResult(result, std::move(value));
+    }
+    return call_code;
+  });
+  if (code != IMEPERR_NONE) FailResult(result, scope);
+  return code;
+}
+
+IxoMepErrorEnum IxoMepExprNode::GetParamResult(const IxoMepExpressionParser* parser,
+                                               IxoMepValueSet* scope, IxoMepValue*& result,
+                                               String& errorText, bool strict) const {
+  const IxoMepExprNode* const param = GetParam1();
+  if (param != nullptr) return param->Evaluate(parser, scope, result, errorText, strict);
+  FailResult(result, scope);
+  return IxoMepError::MakeFunctionError(errorText, IMEPERR_WRONG_ARGUMENT_COUNT, this);
+}
+
+IxoMepErrorEnum IxoMepExprNode::GetParamResults(const IxoMepExpressionParser* parser,
+                                                IxoMepValueSet* scope, IxoMepValue*& first,
+                                                IxoMepValue*& second, String& errorText,
+                                                bool strict) const {
+  IxoMepErrorEnum code = GetParamResult(parser, scope, first, errorText, strict);
+  if (code != IMEPERR_NONE) return code;
+  const IxoMepExprNode* const param = GetParam2();
+  if (param != nullptr) return param->Evaluate(parser, scope, second, errorText, strict);
+  FailResult(second, scope);
+  return IxoMepError::MakeFunctionError(errorText, IMEPERR_WRONG_ARGUMENT_COUNT, this);
+}
+
+IxoMepErrorEnum IxoMepExprNode::GetParamResults(const IxoMepExpressionParser* parser,
+                                                IxoMepValueSet* scope, IxoMepValue*& first,
+                                                IxoMepValue*& second, IxoMepValue*& third,
+                                                String& errorText, bool strict) const {
+  IxoMepErrorEnum code = GetParamResults(parser, scope, first, second, errorText, strict);
+  if (code != IMEPERR_NONE) return code;
+  const IxoMepExprNode* const param = GetParam3();
+  if (param != nullptr) return param->Evaluate(parser, scope, third, errorText, strict);
+  FailResult(third, scope);
+  return IxoMepError::MakeFunctionError(errorText, IMEPERR_WRONG_ARGUMENT_COUNT, this);
+}

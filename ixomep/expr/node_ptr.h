@@ -1,0 +1,72 @@
+// Internal: counted owners of nodes, and the door to a node's fields for the sources that build
+// and walk trees.
+#pragma once
+
+#include <utility>
+
+#include "ixomep/expr/node.h"
+#include "ixomep/values/slot.h"
+
+namespace ixomep {
+
+// Owns one reference to a node.
+class NodePtr {
+ public:
+  NodePtr() noexcept = default;
+  // Takes over the caller's reference.
+  explicit NodePtr(IxoMepExprNode* node) noexcept : node_(node) {}
+  NodePtr(NodePtr&& other) noexcept : node_(std::exchange(other.node_, nullptr)) {}
+  NodePtr& operator=(NodePtr&& other) noexcept {
+    if (this != &other) {
+      Reset();
+      node_ = std::exchange(other.node_, nullptr);
+    }
+    return *this;
+  }
+  NodePtr(const NodePtr&) = delete;
+  NodePtr& operator=(const NodePtr&) = delete;
+  ~NodePtr() { Reset(); }
+
+  // A further owner of a node that lives already.
+  static NodePtr Share(const IxoMepExprNode* node) {
+    return NodePtr(node != nullptr ? const_cast<IxoMepExprNode*>(node)->NewReference() : nullptr);
+  }
+  static NodePtr Make(IxoMepExprNodeType kind, const char* name = nullptr) {
+    return NodePtr(new IxoMepExprNode(kind, name));
+  }
+
+  IxoMepExprNode* get() const noexcept { return node_; }
+  IxoMepExprNode* operator->() const noexcept { return node_; }
+  IxoMepExprNode& operator*() const noexcept { return *node_; }
+  explicit operator bool() const noexcept { return node_ != nullptr; }
+  IxoMepExprNode* Release() noexcept { return std::exchange(node_, nullptr); }
+  void Reset() noexcept {
+    if (node_ != nullptr) std::exchange(node_, nullptr)->DeleteReference();
+  }
+
+ private:
+  IxoMepExprNode* node_ = nullptr;
+};
+
+// Fields of a node. Setters are for nodes under construction only: a finished tree is never
+// changed.
+struct NodeAccess {
+  static IxoMepExprNode* Left(const IxoMepExprNode& n) noexcept { return n.left_; }
+  static IxoMepExprNode* Right(const IxoMepExprNode& n) noexcept { return n.right_; }
+  static IxoMepValue* Value(const IxoMepExprNode& n) noexcept { return n.value_; }
+  static void SetLeft(IxoMepExprNode& n, NodePtr left) noexcept { n.left_ = left.Release(); }
+  static void SetRight(IxoMepExprNode& n, NodePtr right) noexcept { n.right_ = right.Release(); }
+  static void SetValue(IxoMepExprNode& n, ValuePtr value) noexcept { n.value_ = value.release(); }
+  static void SetKind(IxoMepExprNode& n, IxoMepExprNodeType kind) noexcept { n.kind_ = kind; }
+  static void SetName(IxoMepExprNode& n, const char* name) noexcept { n.name_ = name; }
+  // Gives one further owner back; false when there was none, and n is its last owner's.
+  static bool DropFurtherOwner(IxoMepExprNode& n) noexcept {
+    if (n.extra_references_ == 0) return false;
+    --n.extra_references_;
+    return true;
+  }
+  // Returns the block to the pool; value and children are the caller's.
+  static void Free(IxoMepExprNode& n) noexcept { delete &n; }
+};
+
+}  // namespace ixomep
