@@ -11,6 +11,7 @@
 #include "ixomep/host/host.h"
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/host/res_id.h"
+#include "ixomep/host/text_search.h"
 
 // The 256 texts of one byte. Like the empty text they are constant-initialised, never written and
 // never destroyed, so that texts may be used before main and after static destruction. They are
@@ -96,7 +97,8 @@ bool String::IsWritable(std::int64_t length) const noexcept {
 std::int64_t String::GrownCapacity(const Rep* rep, std::int64_t length) noexcept {
   std::int64_t roomy = length;
   for (const std::int32_t part : {2, 8, 32}) {
-    const std::int64_t grown = std::int64_t{rep->length} + rep->length / part + (part == 2 ? 16 : 0);
+    const std::int64_t grown =
+        std::int64_t{rep->length} + rep->length / part + (part == 2 ? 16 : 0);
     roomy = std::min(kMaxCapacity, std::max(length, grown));
     if (ixomep::MemoryBudget::MayTake(sizeof(Rep) + static_cast<std::size_t>(roomy) + 1)) break;
   }
@@ -153,7 +155,9 @@ String String::Copy(std::int32_t start, std::int32_t count) const {
 }
 
 std::int32_t String::Search(std::string_view pattern, std::int32_t from) const noexcept {
-  const std::size_t found = view().find(pattern, static_cast<std::size_t>(std::max(from, 0)));
+  const auto start = static_cast<std::size_t>(std::max(from, 0));
+  const std::size_t found = pattern.empty() ? view().find(pattern, start)
+                                            : ixomep::TextSearch(pattern).Find(view(), start);
   return found == std::string_view::npos ? kNotFound : Narrow(found);
 }
 
@@ -163,7 +167,9 @@ std::int32_t String::Search(char byte, std::int32_t from) const noexcept {
 
 std::int32_t String::SearchBackward(std::string_view pattern, std::int32_t from) const noexcept {
   const std::size_t start = from < 0 ? std::string_view::npos : static_cast<std::size_t>(from);
-  const std::size_t found = view().rfind(pattern, start);
+  const std::size_t found = pattern.empty()
+                                ? view().rfind(pattern, start)
+                                : ixomep::TextSearch(pattern).FindBackward(view(), start);
   return found == std::string_view::npos ? kNotFound : Narrow(found);
 }
 
