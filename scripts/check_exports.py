@@ -12,9 +12,11 @@ import subprocess
 import sys
 
 MARKED_CLASS = re.compile(r"\b(?:class|struct)\s+IXOMEP_API\s+(\w+)")
-MARKED_OTHER = re.compile(r"\bIXOMEP_API\s+(?:[\w:<>,*&\s]+?[\s*&])??([\w]+|operator\W{1,3})\s*[(;=]")
-STANDARD = re.compile(r"(std::|__gnu_cxx::|operator (new|delete)|(vtable|typeinfo|typeinfo name) for (std|__gnu_cxx)::"
-                      r"|(\w+ )*(std|__gnu_cxx)::|decltype|void std::|bool std::|auto std::)")
+MARKED_OTHER = re.compile(r"\bIXOMEP_API\s+(?:[\w:<>,*&\s]+?[\s*&])??(operator[^\s\w(]+|\w+)\s*[(;=]")
+STANDARD = re.compile(r"((vtable|typeinfo|typeinfo name) for )?([\w:]+[\s&*]+)*(std|__gnu_cxx)::|decltype")
+PREFIX = re.compile(r"^(vtable|typeinfo name|typeinfo|VTT|guard variable|(non-)?virtual thunk) (for |to )?")
+# of a template member the listing shows the type of the result in front
+TEMPLATE_MEMBER = re.compile(r"(?:^|\s)(\w+)::\w+<")
 
 
 def marked_names(root):
@@ -36,14 +38,12 @@ def exported(library):
 
 
 def is_marked(symbol, classes, others):
-    bare = re.sub(r"^(vtable|typeinfo name|typeinfo|VTT|guard variable|non-virtual thunk to|virtual thunk to) "
-                  r"(for |to )?", "", symbol)
-    bare = bare.replace("ixomep::", "")
-    head = re.match(r"(\w+)(::|$|\W)", bare)
-    if head and head.group(1) in classes:
+    bare = PREFIX.sub("", symbol).replace("ixomep::", "")
+    head = re.match(r"(operator[^\s\w(]+|\w+)", bare)
+    if head and (head.group(1) in classes or head.group(1) in others):
         return True
-    name = re.match(r"(operator[^\s(]+|\w+)", bare)
-    return bool(name) and name.group(1) in others
+    member = TEMPLATE_MEMBER.search(bare)
+    return bool(member) and member.group(1) in classes
 
 
 def main():

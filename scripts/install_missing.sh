@@ -6,9 +6,10 @@ set -euo pipefail
 
 # package, and how its presence shows: a command, or a header written as <name>
 build_needs="g++:g++ cmake:cmake ninja-build:ninja ccache:ccache pkg-config:pkg-config
-  binutils:readelf python3:python3 libpcre2-dev:<pcre2.h> nettle-dev:<nettle/des.h>
-  libgtest-dev:<gtest/gtest.h> libcli11-dev:<CLI/CLI.hpp> libedit-dev:<histedit.h>
-  nlohmann-json3-dev:<nlohmann/json.hpp>"
+  binutils:readelf dpkg-dev:dpkg-shlibdeps file:file python3:python3
+  libpcre2-dev:<pcre2.h> nettle-dev:<nettle/des.h>
+  libgtest-dev:<gtest/gtest.h> libpugixml-dev:<pugixml.hpp> libcli11-dev:<CLI/CLI.hpp>
+  libedit-dev:<histedit.h> nlohmann-json3-dev:<nlohmann/json.hpp>"
 lint_needs="clang-format:clang-format clang-tidy:clang-tidy cppcheck:cppcheck git:git"
 bench_needs="libbenchmark-dev:<benchmark/benchmark.h>"
 

@@ -1,0 +1,166 @@
+// IxoMepValue::Create: one look at the first byte says which literal follows. Strings are read
+// here, numbers and times in literal_number.cpp, brackets and braces in literal_expression.cpp.
+#include "ixomep/parser/literal_reader.h"
+
+#include <exception>
+
+#include "ixomep/parser/bytes.h"
+#include "ixomep/values/raise.h"
+#include "ixomep/values/value_rep.h"
+
+namespace ixomep {
+namespace {
+
+// The byte that a backslash and a letter stand for.
+constexpr char Unescaped(char letter) noexcept {
+  switch (letter) {
+    case 'a':
+      return '\a';
+    case 'b':
+      return '\b';
+    case 't':
+      return '\t';
+    case 'n':
+      return '\n';
+    case 'v':
+      return '\v';
+    case 'f':
+      return '\f';
+    case 'r':
+      return '\r';
+    default:
+      return letter;
+  }
+}
+
+// The text of a string literal without its backslashes.
+String Unescape(std::string_view content) {
+  String text(content);
+  char* const bytes = text.MutableText();
+  std::size_t length = 0;
+  for (std::size_t i = 0; i < content.size(); ++i) {
+    bytes[length++] = content[i] == '\\' ? Unescaped(content[++i]) : content[i];
+  }
+  text.Resize(static_cast<std::int32_t>(length));
+  return text;
+}
+
+ValuePtr Fail(LiteralContext& context, IxoMepErrorEnum code) {
+  context.code = Raise(context.error_text, code);
+  return nullptr;
+}
+
+using Reader = ValuePtr (*)(const LiteralText&, std::size_t&, LiteralContext&);
+
+// Runs a reader so that no exception gets out: memory that cannot be had is a failure of its own.
+ValuePtr Guarded(Reader read, const LiteralText& text, std::size_t& position,
+                 LiteralContext& context, IxoMepErrorEnum no_memory) noexcept {
+  try {
+    return read(text, position, context);
+  } catch (const std::exception&) {
+    context.code = no_memory;
+  }
+  try {
+    Raise(context.error_text, no_memory);
+  } catch (const std::exception&) {
+    context.error_text.Clear();
+  }
+  return nullptr;
+}
+
+// The frame of the static readers: turns the interface's arguments to views and back.
+IxoMepValue* Run(Reader read, const String& text, std::int32_t& position, std::int32_t& code,
+                 String& error_text, IxoMepParser* parser, std::int32_t line) noexcept {
+  LiteralContext context(parser, line);
+  // A position before the text is none in it.
+  std::size_t at = position < 0 ? text.view().size() : static_cast<std::size_t>(position);
+  ValuePtr value = Guarded(read, {text.view()}, at, context, IMEPERR_TOO_DEEP);
+  code = context.code;
+  if (position >= 0) position = static_cast<std::int32_t>(at);
+  if (value == nullptr) error_text = context.error_text;
+  return value.release();
+}
+
+ValuePtr ReadTimeOrNumber(const LiteralText& text, std::size_t& position, LiteralContext& context) {
+  if (ValuePtr time = ReadTime(text, position)) return time;
+  return ReadNumber(text, position, context.code, context.error_text);
+}
+
+}  // namespace
+
+ValuePtr ReadString(const LiteralText& text, std::size_t& position, LiteralContext& context) {
+  const std::string_view bytes = text.bytes;
+  const std::size_t first = position + 1;
+  bool has_escapes = false;
+  std::size_t end = first;
+  for (; end < bytes.size() && bytes[end] != '"'; ++end) {
+    if (bytes[end] != '\\') continue;
+    has_escapes = true;
+    ++end;
+  }
+  if (end >= bytes.size()) {
+    position = bytes.size();
+    return Fail(context, end > bytes.size() ? IMEPERR_BACKSLASH_AT_END : IMEPERR_STRING_NOT_CLOSED);
+  }
+  const std::string_view content = bytes.substr(first, end - first);
+  ValuePtr value = MakeValue();
+  ValueAccess::SetText(*value, has_escapes ? Unescape(content) : String(content));
+  position = end + 1;
+  return value;
+}
+
+ValuePtr ReadLiteral(const LiteralText& text, std::size_t& position, LiteralContext& context) {
+  const char first = position < text.bytes.size() ? text.bytes[position] : '\0';
+  switch (first) {
+    case '"':
+      return Guarded(ReadString, text, position, context, IMEPERR_TOO_LONG);
+    case '(':
+      return Guarded(ReadExpression, text, position, context, IMEPERR_TOO_DEEP);
+    case '{':
+      return Guarded(ReadArray, text, position, context, IMEPERR_TOO_DEEP);
+    case '-':
+    case '.':
+    case '$':
+      return Guarded(ReadTimeOrNumber, text, position, context, IMEPERR_TOO_DEEP);
+    default:
+      if (!Is(first, kDigit)) return Fail(context, IMEPERR_VALUE_EXPECTED);
+      return Guarded(ReadTimeOrNumber, text, position, context, IMEPERR_TOO_DEEP);
+  }
+}
+
+}  // namespace ixomep
+
+using ixomep::Run;
+
+IxoMepValue* IxoMepValue::Create(const String& text, std::int32_t& position,
+                                 std::int32_t& errorCode, String& errorText, IxoMepParser* parser,
+                                 std::int32_t line) {
+  return Run(ixomep::ReadLiteral, text, position, errorCode, errorText, parser, line);
+}
+
+IxoMepValue* IxoMepValue::Create(const String& text, std::int32_t& position,
+                                 IxoMepErrorEnum& errorCode, String& errorText,
+                                 IxoMepParser* parser, std::int32_t line) {
+  std::int32_t code = IMEPERR_NONE;
+  IxoMepValue* const value = Create(text, position, code, errorText, parser, line);
+  errorCode = static_cast<IxoMepErrorEnum>(code);
+  return value;
+}
+
+IxoMepValue* IxoMepValue::CreateString(const String& text, std::int32_t& position,
+                                       std::int32_t& errorCode, String& errorText,
+                                       IxoMepParser* parser, std::int32_t line) {
+  return Run(ixomep::ReadString, text, position, errorCode, errorText, parser, line);
+}
+
+IxoMepValue* IxoMepValue::CreateExpression(const String& text, std::int32_t& position,
+                                           std::int32_t& errorCode, String& errorText,
+                                           IxoMepParser* parser, std::int32_t line) {
+  return Run(ixomep::ReadExpression, text, position, errorCode, errorText, parser, line);
+}
+
+IxoMepValue* IxoMepValue::CreateArray(const String& text, std::int32_t& position,
+                                      std::int32_t& errorCode, String& errorText,
+                                      IxoMepParser* parser, std::int32_t line) {
+  return Run(ixomep::ReadArray, text, position, errorCode, errorText, parser, line);
+}

@@ -1,0 +1,162 @@
+// Colours of elements: a value or three component attributes turned into a Color, or into an
+// expression object that gives the packed colour whenever it is evaluated.
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include "ixomep/expr/expression_parser.h"
+#include "ixomep/host/color.h"
+#include "ixomep/host/numbers.h"
+#include "ixomep/parser/parser.h"
+#include "ixomep/parser/query_support.h"
+#include "ixomep/values/slot.h"
+#include "ixomep/values/units.h"
+
+namespace {
+
+constexpr const char* kColor = "color";
+
+using Components = std::array<const IxoMepAttribute*, 3>;
+
+struct ComponentNames {
+  const char* red;
+  const char* green;
+  const char* blue;
+};
+constexpr ComponentNames kLongNames = {"red", "green", "blue"};
+constexpr ComponentNames kShortNames = {"r", "g", "b"};
+
+Components FindComponents(const IxoMepElement& element, std::string_view red,
+                          std::string_view green, std::string_view blue) noexcept {
+  return {element.FindAttr(red), element.FindAttr(green), element.FindAttr(blue)};
+}
+
+bool HasAny(const Components& components) noexcept {
+  return std::any_of(components.begin(), components.end(),
+                     [](const IxoMepAttribute* component) { return component != nullptr; });
+}
+
+const ComponentNames& DefaultNames(const IxoMepElement& element) noexcept {
+  const ComponentNames& names = kLongNames;
+  const bool has_long = HasAny(FindComponents(element, names.red, names.green, names.blue));
+  return has_long ? kLongNames : kShortNames;
+}
+
+const IxoMepExpressionParser* ExpressionOf(const IxoMepAttribute* attribute) noexcept {
+  const bool has_value = attribute != nullptr && attribute->GetValue() != nullptr;
+  return has_value ? attribute->GetValue()->GetExpr() : nullptr;
+}
+
+// The first expression among the components; null when all are constant or missing.
+const IxoMepExpressionParser* FirstExpression(const Components& components) noexcept {
+  for (const IxoMepAttribute* component : components) {
+    if (const auto* expression = ExpressionOf(component)) return expression;
+  }
+  return nullptr;
+}
+
+// An argument of a call. The line feed ends a comment that the source may end in.
+String ArgumentOf(const IxoMepAttribute* component) {
+  if (const IxoMepExpressionParser* expression = ExpressionOf(component)) {
+    const String& source = expression->GetOriginalExpression();
+    return "(" + (source.IsEmpty() ? expression->GetExpression(nullptr) : source) + "\n)";
+  }
+  const bool has_value = component != nullptr && component->GetValue() != nullptr;
+  return StringFromInteger(has_value ? std::clamp(component->GetValue()->GetInt(), 0, 255) : 0);
+}
+
+std::unique_ptr<IxoMepExpressionParser> NewExpressionLike(const IxoMepElement& element) {
+  IxoMepParser* const parser = element.GetParser();
+  return std::unique_ptr<IxoMepExpressionParser>(parser != nullptr ? parser->NewExprParser()
+                                                                   : nullptr);
+}
+
+// A call that puts the components together at every evaluation; null when it cannot be compiled.
+IxoMepExpressionParser* CreateCall(const IxoMepElement& element, const Components& components,
+                                   std::uint32_t line) {
+  const String call = "rgbval(" + ArgumentOf(components[0]) + ", " + ArgumentOf(components[1]) +
+                      ", " + ArgumentOf(components[2]) + ")";
+  auto expression = NewExpressionLike(element);
+  String error_text;
+  if (expression == nullptr || expression->SetExpression(call, error_text) != IMEPERR_NONE) {
+    return nullptr;
+  }
+  expression->SetLineNo(line);
+  return expression.release();
+}
+
+IxoMepExpressionParser* CreateConstant(const IxoMepElement& element, const Color& color) {
+  auto expression = NewExpressionLike(element);
+  if (expression == nullptr) return nullptr;
+  expression->SetConstant(IxoMepValue(color.GetPacked()));
+  return expression.release();
+}
+
+}  // namespace
+
+bool IxoMepParser::GetColor(const IxoMepValue* value, Color& color) {
+  if (value == nullptr) return false;
+  if (value->IsNum()) {
+    const double number = value->GetReal();
+    if (!ixomep::FitsInt32(number)) return false;
+    color = Color::FromPacked(static_cast<std::uint32_t>(static_cast<std::int32_t>(number)));
+    return true;
+  }
+  if (value->GetType() != IxoMepValueType::String) return false;
+  return ixomep::OrNeutral(false, [&] {
+    Color named;
+    if (!getColorOfColorName(value->GetStr(), named)) return false;
+    color = named;
+    return true;
+  });
+}
+
+bool IxoMepParser::GetColor(const String& colorName, const String& redName, const String& greenName,
+                            const String& blueName, Color& color) const {
+  return ixomep::OrNeutral(false, [&] {
+    ixomep::ValuePtr evaluated;
+    if (const IxoMepAttribute* attribute = current_->FindAttr(colorName)) {
+      return GetColor(Resolve(attribute->GetValue(), evaluated), color);
+    }
+    const Components components = FindComponents(*current_, redName, greenName, blueName);
+    if (!HasAny(components)) return false;
+    std::array<std::int32_t, 3> parts{};
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+      if (components[i] == nullptr) continue;
+      const IxoMepValue* const value = Resolve(components[i]->GetValue(), evaluated);
+      parts[i] = value != nullptr ? value->GetInt() : 0;
+    }
+    color = Color(parts[0], parts[1], parts[2]);
+    return true;
+  });
+}
+
+bool IxoMepParser::GetColor(Color& color) const {
+  const ComponentNames& names = DefaultNames(*current_);
+  return GetColor(kColor, names.red, names.green, names.blue, color);
+}
+
+// What depends on variables stays an expression, also when it could be evaluated now.
+IxoMepExpressionParser* IxoMepParser::CreateColorEP(const String& colorName, const String& redName,
+                                                    const String& greenName,
+                                                    const String& blueName) const {
+  const auto create = [&]() -> IxoMepExpressionParser* {
+    if (const IxoMepAttribute* attribute = current_->FindAttr(colorName)) {
+      if (const auto* expression = ExpressionOf(attribute)) return expression->CreateCopy();
+    } else {
+      const Components components = FindComponents(*current_, redName, greenName, blueName);
+      if (const auto* expression = FirstExpression(components)) {
+        return CreateCall(*current_, components, expression->GetLineNo());
+      }
+    }
+    Color color;
+    if (!GetColor(colorName, redName, greenName, blueName, color)) return nullptr;
+    return CreateConstant(*current_, color);
+  };
+  return ixomep::OrNeutral<IxoMepExpressionParser*>(nullptr, create);
+}
+
+IxoMepExpressionParser* IxoMepParser::CreateColorEP() const {
+  const ComponentNames& names = DefaultNames(*current_);
+  return CreateColorEP(kColor, names.red, names.green, names.blue);
+}

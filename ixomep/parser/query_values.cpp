@@ -1,0 +1,257 @@
+// Typed values: a stored value is resolved (Resolve) and then converted, by one conversion for
+// each type. The forms of a getter differ only in where the stored value comes from.
+#include <exception>
+#include <functional>
+#include <utility>
+
+#include "ixomep/expr/expression_parser.h"
+#include "ixomep/expr/guarded.h"
+#include "ixomep/parser/parser.h"
+#include "ixomep/parser/query_support.h"
+#include "ixomep/values/raise.h"
+#include "ixomep/values/slot.h"
+#include "ixomep/values/units.h"
+
+using Type = IxoMepValueType;
+
+namespace {
+
+bool IsTrue(const IxoMepValue& value) {
+  switch (value.GetType()) {
+    case Type::String:
+      return !value.GetStr().IsEmpty();
+    case Type::Integer:
+      return value.GetInt() != 0;
+    case Type::Real:
+      return value.GetReal() != 0.0;  // also NaN
+    case Type::Time:
+      return value.GetSec() != 0.0;
+    case Type::Measure:
+      return value.GetTMM() != 0;
+    default:
+      return false;
+  }
+}
+
+bool IsTrueModifier(const String& modifier) noexcept {
+  return modifier == "true" || modifier == "yes";
+}
+
+// The own value of an element is read as text: "12 pieces" is 12.
+std::int32_t IntegerOfText(const IxoMepValue& value) {
+  return ixomep::LeadingInteger(value.GetStr());
+}
+
+bool Fits(Type expected, Type found) noexcept {
+  const auto is_number = [](Type type) { return type == Type::Integer || type == Type::Real; };
+  return expected == found || (is_number(expected) && is_number(found));
+}
+
+}  // namespace
+
+const IxoMepValue* IxoMepParser::Resolve(const IxoMepValue* stored,
+                                         std::unique_ptr<IxoMepValue>& evaluated) const {
+  if (stored == nullptr) return nullptr;
+  const IxoMepValue* const value = stored->GetReferencedValue();
+  if (value == nullptr || vars_ == nullptr || value->GetType() != Type::Expression) return value;
+  const IxoMepExpressionParser* const expression = value->GetExpr();
+  if (expression == nullptr) return nullptr;
+  IxoMepValue* result = nullptr;
+  const IxoMepErrorEnum code = expression->Evaluate(vars_, result, error_text_, /*strict=*/false,
+                                                    /*ownScope=*/true);
+  evaluated.reset(result);
+  if (code != IMEPERR_NONE) return nullptr;
+  if (evaluated == nullptr) evaluated = ixomep::MakeValue();
+  return evaluated.get();
+}
+
+template <class Out, class Convert>
+bool IxoMepParser::Read(const IxoMepValue* stored, Out& out, Convert convert) const {
+  try {
+    std::unique_ptr<IxoMepValue> evaluated;
+    const IxoMepValue* const value = Resolve(stored, evaluated);
+    if (value == nullptr) return false;
+    out = std::invoke(convert, *value);
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+// --- Types --------------------------------------------------------------------------------------
+
+IxoMepValueType IxoMepParser::GetValueType() const {
+  Type type = Type::Undefined;
+  Read(GetValue(), type, &IxoMepValue::GetType);
+  return type;
+}
+
+IxoMepValueType IxoMepParser::GetValueType(const String& name) const {
+  Type type = Type::Undefined;
+  Read(GetValue(name), type, &IxoMepValue::GetType);
+  return type;
+}
+
+IxoMepValueType IxoMepParser::GetValueTypeOfPos(std::int32_t pos) const {
+  Type type = Type::Undefined;
+  Read(GetValueOfPos(pos), type, &IxoMepValue::GetType);
+  return type;
+}
+
+IxoMepErrorEnum IxoMepParser::ExpectValueType(Type type, bool allowMissing) {
+  return Expect(GetValue(), nullptr, type, allowMissing);
+}
+
+IxoMepErrorEnum IxoMepParser::ExpectValueType(const String& name, Type type, bool allowMissing) {
+  return Expect(GetValue(name), &name, type, allowMissing);
+}
+
+IxoMepErrorEnum IxoMepParser::ExpectValueTypeOfPos(std::int32_t pos, Type type, bool allowMissing) {
+  const String name = GetAttrNameOfPos(pos);
+  return Expect(GetValueOfPos(pos), &name, type, allowMissing);
+}
+
+IxoMepErrorEnum IxoMepParser::Expect(const IxoMepValue* stored, const String* attribute, Type type,
+                                     bool allow_missing) {
+  Type found = Type::Undefined;
+  const bool is_there = Read(stored, found, &IxoMepValue::GetType);
+  if (is_there ? Fits(type, found) : allow_missing) return IMEPERR_NONE;
+
+  const IxoMepErrorEnum code = ixomep::Guarded(error_text_, [&] {
+    const String& keyword = current_->GetKeyword();
+    const String shown =
+        attribute != nullptr ? "\"" + *attribute + "\" (" + keyword + ")" : keyword;
+    MakeErrorText(IMEPERR_UNEXPECTED_TYPE, current_->GetStartOffset());
+    // The name comes last: an indexed one may hold any text.
+    ixomep::FillPlaceholder(error_text_, "%type1", IxoMepValue::GetTypeName(type));
+    ixomep::FillPlaceholder(error_text_, "%type2", IxoMepValue::GetTypeName(found));
+    ixomep::FillPlaceholder(error_text_, "%attr", shown);
+    return IMEPERR_UNEXPECTED_TYPE;
+  });
+  error_code_ = code;
+  return code;
+}
+
+// --- Values -------------------------------------------------------------------------------------
+
+std::unique_ptr<IxoMepValue> IxoMepParser::GetMapValue(const String& name) const {
+  return ixomep::OrNeutral<ixomep::ValuePtr>(nullptr, [&]() -> ixomep::ValuePtr {
+    ixomep::ValuePtr evaluated;
+    const IxoMepValue* const value = Resolve(GetValue(name), evaluated);
+    if (value == nullptr) return nullptr;
+    return evaluated != nullptr ? std::move(evaluated) : ixomep::MakeValue(*value);
+  });
+}
+
+bool IxoMepParser::TryGetStrValue(String& value) const {
+  return Read(GetValue(), value, &IxoMepValue::GetStr);
+}
+
+bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
+  return Read(GetValue(name), value, &IxoMepValue::GetStr);
+}
+
+String IxoMepParser::GetStrValue() const {
+  String value;
+  TryGetStrValue(value);
+  return value;
+}
+
+String IxoMepParser::GetStrValue(const String& name) const {
+  String value;
+  TryGetStrValue(name, value);
+  return value;
+}
+
+bool IxoMepParser::TryGetIntValue(std::int32_t& value) const {
+  return Read(GetValue(), value, IntegerOfText);
+}
+
+bool IxoMepParser::TryGetIntValue(const String& name, std::int32_t& value) const {
+  if (name.IsEmpty()) return TryGetIntValue(value);
+  return Read(GetValue(name), value, &IxoMepValue::GetInt);
+}
+
+std::int32_t IxoMepParser::GetIntValue() const {
+  std::int32_t value = 0;
+  TryGetIntValue(value);
+  return value;
+}
+
+std::int32_t IxoMepParser::GetIntValue(const String& name) const {
+  std::int32_t value = 0;
+  TryGetIntValue(name, value);
+  return value;
+}
+
+bool IxoMepParser::TryGetRealValue(double& value) const {
+  return Read(GetValue(), value, &IxoMepValue::GetReal);
+}
+
+bool IxoMepParser::TryGetRealValue(const String& name, double& value) const {
+  return Read(GetValue(name), value, &IxoMepValue::GetReal);
+}
+
+double IxoMepParser::GetRealValue() const {
+  double value = 0.0;
+  TryGetRealValue(value);
+  return value;
+}
+
+double IxoMepParser::GetRealValue(const String& name) const {
+  double value = 0.0;
+  TryGetRealValue(name, value);
+  return value;
+}
+
+bool IxoMepParser::GetOwnBoolValue(bool missing) const {
+  bool value = missing;
+  Read(GetValue(), value, IsTrue);
+  return value;
+}
+
+bool IxoMepParser::GetBoolValue(const String& name, bool missing) const {
+  const IxoMepAttribute* const attribute = current_->FindAttr(name);
+  if (attribute == nullptr) return missing;
+  if (!attribute->GetModifier().IsEmpty()) return IsTrueModifier(attribute->GetModifier());
+  if (attribute->GetValue() == nullptr) return true;
+  bool value = missing;
+  Read(attribute->GetValue(), value, IsTrue);
+  return value;
+}
+
+std::int32_t IxoMepParser::GetValueTMM() const {
+  std::int32_t tenths = 0;
+  Read(GetValue(), tenths, &IxoMepValue::GetTMM);
+  return tenths;
+}
+
+std::int32_t IxoMepParser::GetValueTMM(const String& name) const {
+  std::int32_t tenths = 0;
+  Read(GetValue(name), tenths, &IxoMepValue::GetTMM);
+  return tenths;
+}
+
+std::int32_t IxoMepParser::GetValueTPt() const {
+  std::int32_t tenths = 0;
+  Read(GetValue(), tenths, &IxoMepValue::GetTPt);
+  return tenths;
+}
+
+std::int32_t IxoMepParser::GetValueTPt(const String& name) const {
+  std::int32_t tenths = 0;
+  Read(GetValue(name), tenths, &IxoMepValue::GetTPt);
+  return tenths;
+}
+
+double IxoMepParser::GetValueSec() const {
+  double seconds = 0.0;
+  Read(GetValue(), seconds, &IxoMepValue::GetSec);
+  return seconds;
+}
+
+double IxoMepParser::GetValueSec(const String& name) const {
+  double seconds = 0.0;
+  Read(GetValue(name), seconds, &IxoMepValue::GetSec);
+  return seconds;
+}
