@@ -57,22 +57,29 @@ IxoMepErrorEnum EvaluateElements(Call& call, OwnedList& elements) {
 
 }  // namespace
 
+// What cannot be had while a collection is built fails with 37.
 IxoMepErrorEnum Curly(Call& call) {
-  OwnedList elements;
-  if (const IxoMepErrorEnum code = EvaluateElements(call, elements)) return code;
-  IxoMepValue array;
-  ValueAccess::MakeArray(array, std::move(elements));
-  return call.Return(std::move(array));
+  const long built = CatchTooLong(call.frame().text, [&]() -> long {
+    OwnedList elements;
+    if (const IxoMepErrorEnum code = EvaluateElements(call, elements)) return code;
+    IxoMepValue array;
+    ValueAccess::MakeArray(array, std::move(elements));
+    return call.Return(std::move(array));
+  });
+  return static_cast<IxoMepErrorEnum>(built);
 }
 
 IxoMepErrorEnum CurlyColon(Call& call) {
-  OwnedList pairs;
-  if (const IxoMepErrorEnum code = EvaluateElements(call, pairs)) return code;
-  IxoMepValue map;
-  if (!ValueAccess::MakeMap(map, std::move(pairs))) {
-    return call.WrongTypes(call.Name(), pairs.View());
-  }
-  return call.Return(std::move(map));
+  const long built = CatchTooLong(call.frame().text, [&]() -> long {
+    OwnedList pairs;
+    if (const IxoMepErrorEnum code = EvaluateElements(call, pairs)) return code;
+    IxoMepValue map;
+    if (!ValueAccess::MakeMap(map, std::move(pairs))) {
+      return call.WrongTypes(call.Name(), pairs.View());
+    }
+    return call.Return(std::move(map));
+  });
+  return static_cast<IxoMepErrorEnum>(built);
 }
 
 IxoMepErrorEnum Array(Call& call) {

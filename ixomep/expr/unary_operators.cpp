@@ -85,9 +85,7 @@ IxoMepErrorEnum ValueOfText(const Operand& o) {
   return IMEPERR_NONE;
 }
 
-IxoMepErrorEnum LengthOfText(const Operand& o) {
-  return o.Give(ValueAccess::Text(o.value).Len());
-}
+IxoMepErrorEnum LengthOfText(const Operand& o) { return o.Give(ValueAccess::Text(o.value).Len()); }
 
 IxoMepErrorEnum LengthOfContainer(const Operand& o) { return o.Give(o.value.GetSize()); }
 
@@ -117,7 +115,9 @@ IxoMepErrorEnum Round(const Operand& o) {
   return o.Give(Type::Real, std::floor(o.value.GetReal() + 0.5));
 }
 
-IxoMepErrorEnum Floor(const Operand& o) { return o.Give(Type::Real, std::floor(o.value.GetReal())); }
+IxoMepErrorEnum Floor(const Operand& o) {
+  return o.Give(Type::Real, std::floor(o.value.GetReal()));
+}
 
 IxoMepErrorEnum Ceil(const Operand& o) { return o.Give(Type::Real, std::ceil(o.value.GetReal())); }
 
@@ -233,7 +233,10 @@ IxoMepErrorEnum ApplyUnaryTo(IxoMepExprNodeType kind, const IxoMepValue& operand
                              String& text) {
   const Action action = kTable.Find(kind, ColumnOf(operand));
   if (action == nullptr) return WrongType(kind, operand, text);
-  return action({kind, operand, out, text});
+  const long code = CatchTooLong(text, [&]() -> long {
+    return action({kind, operand, out, text});
+  });
+  return static_cast<IxoMepErrorEnum>(code);
 }
 
 IxoMepErrorEnum ApplyUnary(IxoMepExprNodeType kind, IxoMepValue& operand, String& text) {

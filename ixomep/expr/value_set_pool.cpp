@@ -2,8 +2,8 @@
 // them.
 #include "ixomep/expr/value_set_pool.h"
 
-#include <exception>
 #include <memory>
+#include <new>
 
 IxoMepValueSetContainer IxoMepValueSetContainer::aInstance;
 
@@ -43,9 +43,13 @@ void IxoMepValueSetContainer::FreeValueSet(IxoMepValueSet* scope) noexcept {
   if (scope == nullptr) return;
   scope->Clear();
   auto& [free, spare] = aInstance;
-  if (spare.empty()) {  // not from this pool
-    delete scope;
-    return;
+  if (spare.empty()) {  // a scope that was not handed out here: the pool takes it over
+    try {
+      spare.push_front(nullptr);
+    } catch (const std::bad_alloc&) {
+      delete scope;
+      return;
+    }
   }
   spare.front() = scope;
   free.splice(free.begin(), spare, spare.begin());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 
 #include "ixomep/export.h"
 #include "ixomep/host/string.h"
@@ -21,15 +22,22 @@ class IXOMEP_API IxoMepError {
   // The text with its placeholders unfilled; empty for 0, for codes without a text and for
   // numbers outside 0 to 43.
   static String GetErrorText(IxoMepErrorEnum code);
+  // The same for a code that a host keeps as a plain number.
+  static String GetErrorText(std::int32_t code) {
+    return GetErrorText(static_cast<IxoMepErrorEnum>(code));
+  }
   // The text of the code, its first "%func" replaced by the call: the name and, in parentheses,
   // the type names of the arguments that are present.
   static String MakeFunctionError(IxoMepErrorEnum code, const String& name,
                                   const IxoMepValue* a1 = nullptr, const IxoMepValue* a2 = nullptr,
                                   const IxoMepValue* a3 = nullptr, const IxoMepValue* a4 = nullptr,
-                                  const IxoMepValue* a5 = nullptr,
-                                  const IxoMepValue* a6 = nullptr);
+                                  const IxoMepValue* a5 = nullptr, const IxoMepValue* a6 = nullptr);
   static String MakeFunctionError(IxoMepErrorEnum code, const String& name,
                                   const IxoMepValueList& args);
+  static String MakeFunctionError(std::int32_t code, const String& name,
+                                  const IxoMepValueList& args) {
+    return MakeFunctionError(static_cast<IxoMepErrorEnum>(code), name, args);
+  }
   // The same, stored into text; returns the code.
   static IxoMepErrorEnum MakeFunctionError(String& text, IxoMepErrorEnum code, const String& name,
                                            const IxoMepValueList& args);

@@ -51,6 +51,18 @@ TEST(ValueSetPool, Is_never_trimmed) {
   for (IxoMepValueSet* scope : scopes) Pool::FreeValueSet(scope);
 }
 
+TEST(ValueSetPool, A_scope_made_with_the_constructor_is_taken_over_and_handed_out_next) {
+  auto* const own = new IxoMepValueSet(nullptr);
+  own->OldSetValue("a", 1, true);
+  Pool::FreeValueSet(own);
+  IxoMepValueSet parent(nullptr);
+  IxoMepValueSet* const again = Pool::AllocateValueSet(&parent);
+  EXPECT_EQ(again, own);
+  EXPECT_EQ(again->Count(), 0u);
+  EXPECT_EQ(again->GetParent(), &parent);
+  Pool::FreeValueSet(again);
+}
+
 TEST(ValueSetPool, Giving_back_a_null_scope_does_nothing) { Pool::FreeValueSet(nullptr); }
 
 TEST(ValueSetPool, A_copy_of_the_container_owns_no_scope) {
