@@ -12,7 +12,7 @@ CONFIGURE = cmake --preset $(1) $(LAUNCHER) >build/$(1).log 2>&1 || { cat build/
 BUILD = mkdir -p build; $(call CONFIGURE,$(1)); cmake --build --preset $(1) -j $(JOBS)
 MAIN_JOB = build/$(1)/mep show $(EXAMPLE) -v scale=1.5 -v 'state="busy"' -v load=0.97 -v fill=0.4
 
-.PHONY: all test quick asan format format-check lint bench docs clean help
+.PHONY: all test quick asan format format-check lint bench docs map install-check package clean help
 .PHONY: tools-build tools-lint tools-bench build-release build-dev build-asan build-bench
 
 all: build-release ## install what is missing, build the release, show the shipped example (default)
@@ -44,6 +44,15 @@ bench: build-bench ## build the benchmarks in release and run each
 
 docs: build-dev ## run the examples of the documents and check the map of the sources
 	@ctest --preset dev -R 'house|docs'
+
+map: ## write the list of files in docs/architecture.md from their opening comments
+	@python3 scripts/write_map.py .
+
+install-check: build-dev ## install into fresh folders and try the result: headers, package, example host, man page
+	@ctest --preset dev -L install -j $(JOBS)
+
+package: build-release ## make the Debian package in build/release
+	@umask 022; cd build/release && cpack -G DEB
 
 clean: ## remove everything that was built
 	@rm -rf build

@@ -34,6 +34,7 @@ set(IXOMEP_PUBLIC_HEADERS
     ixomep/parser/parser.h
     ixomep/parser/element.h
     ixomep/parser/converter.h
+    ixomep/parser/protected_text.h
     ixomep/messages/message.h
     ixomep/messages/message_port.h
     ixomep/messages/message_port_manager.h)
