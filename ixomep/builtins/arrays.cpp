@@ -86,6 +86,8 @@ class Edit {
   // Where the path leads now.
   IxoMepErrorEnum Follow(const IxoMepValue*& current) {
     current = FindVariable(call_, variable_);
+    // Foreign code may have emptied the scope meanwhile.
+    if (current == nullptr) return CheckVariable(call_, variable_, call_.Name());
     for (const std::int32_t index : path_) {
       if (current->GetType() != IxoMepValueType::Array) {
         return call_.WrongTypes(call_.Name(), {current});

@@ -108,7 +108,9 @@ IxoMepErrorEnum MErase(Call& call) {
   if (map->GetType() != IxoMepValueType::Map) return call.WrongTypes(call.Name(), {map});
   IxoMepValue key;
   if (const IxoMepErrorEnum code = call.Evaluate(1, key)) return code;
-  IxoMepValue* const now = FindVariable(call, target);  // the key may have replaced the map
+  // The key may have replaced the map, foreign code in it emptied the scope.
+  IxoMepValue* const now = FindVariable(call, target);
+  if (now == nullptr) return CheckVariable(call, target, "aerase");
   if (now->GetType() != IxoMepValueType::Map) return call.WrongTypes(call.Name(), {now});
   if (ValueAccess::FindEntry(*now, key) == nullptr) return call.Return(IxoMepValue());
   const ValuePtr erased(std::exchange(ValueAccess::OwnEntrySlot(*now, key), nullptr));

@@ -3,11 +3,11 @@
 // without a row is a wrong type (21). The comparison of numbers by digits is decimal_compare.cpp's.
 #include "ixomep/expr/binary_operators.h"
 
+#include <algorithm>
 #include <array>
-#include <cmath>
 #include <compare>
+#include <cstdint>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <stdexcept>
 
@@ -22,8 +22,32 @@ namespace ixomep {
 namespace {
 
 using Kind = IxoMepExprNodeType;
-using Class = OperandClass;
 using Type = IxoMepValueType;
+
+// What the table tells operands apart by. A reference to a number is a Number, any other
+// reference is of no use to an operator.
+enum class Class : std::uint8_t { Integer, Number, String, Measure, Time, Array, Other };
+
+Class ClassOf(const IxoMepValue& value) noexcept {
+  switch (value.GetType()) {
+    case Type::Integer:
+      return Class::Integer;
+    case Type::Real:
+      return Class::Number;
+    case Type::String:
+      return Class::String;
+    case Type::Measure:
+      return Class::Measure;
+    case Type::Time:
+      return Class::Time;
+    case Type::Array:
+      return Class::Array;
+    case Type::Reference:
+      return value.IsNum() ? Class::Number : Class::Other;
+    default:
+      return Class::Other;
+  }
+}
 
 struct Operands {
   Kind kind;
@@ -88,8 +112,8 @@ IxoMepErrorEnum Measures(const Operands& o) {
 }
 
 IxoMepErrorEnum Times(const Operands& o) {
-  return o.Give(Type::Time, Combined(o.kind, ValueAccess::Number(o.left),
-                                     ValueAccess::Number(o.right)));
+  return o.Give(Type::Time,
+                Combined(o.kind, ValueAccess::Number(o.left), ValueAccess::Number(o.right)));
 }
 
 // Measure or time by number. The product of tenths is not rounded again.
@@ -186,9 +210,8 @@ IxoMepErrorEnum Select(const Operands& o) {
   if (!ReadIndex(o.right, index)) return WrongTypes(o.kind, o.left, o.right, o.text);
   const bool is_text = o.left.GetType() == Type::String;
   // Meant: a text has one place more than characters; the last gives its terminating zero byte.
-  const std::size_t places =
-      is_text ? static_cast<std::size_t>(ValueAccess::Text(o.left).Len()) + 1
-              : ValueAccess::Count(o.left);
+  const std::size_t places = is_text ? static_cast<std::size_t>(ValueAccess::Text(o.left).Len()) + 1
+                                     : ValueAccess::Count(o.left);
   if (index < 0 || static_cast<std::size_t>(index) >= places) {
     return Raise(o.text, index < 0 ? IMEPERR_INDEX_TOO_SMALL : IMEPERR_INDEX_TOO_LARGE,
                  {{"%type", IxoMepValue::GetTypeName(o.left.GetType())},
@@ -384,31 +407,6 @@ constexpr Table kTable;
 static_assert(kTable.IsUnique(), "no operator has two rows for the same operands");
 
 }  // namespace
-
-OperandClass ClassOf(const IxoMepValue& value) noexcept {
-  switch (value.GetType()) {
-    case Type::Integer:
-      return Class::Integer;
-    case Type::Real:
-      return Class::Number;
-    case Type::String:
-      return Class::String;
-    case Type::Measure:
-      return Class::Measure;
-    case Type::Time:
-      return Class::Time;
-    case Type::Array:
-      return Class::Array;
-    case Type::Reference:
-      return value.IsNum() ? Class::Number : Class::Other;
-    default:
-      return Class::Other;
-  }
-}
-
-bool HasBinaryRow(IxoMepExprNodeType kind, OperandClass left, OperandClass right) noexcept {
-  return kTable.Find(kind, left, right) != nullptr;
-}
 
 IxoMepErrorEnum ApplyBinaryTo(IxoMepExprNodeType kind, const IxoMepValue& left,
                               const IxoMepValue& right, IxoMepValue& out, String& text) {

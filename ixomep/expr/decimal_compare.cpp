@@ -22,9 +22,7 @@ constexpr double kClose = 1.1e-11;
 constexpr double kSmallest = 1e-280;
 constexpr double kLargest = 1e280;
 
-bool IsPlain(double magnitude) noexcept {
-  return magnitude >= kSmallest && magnitude <= kLargest;
-}
+bool IsPlain(double magnitude) noexcept { return magnitude >= kSmallest && magnitude <= kLargest; }
 
 // The digits in front of the point. Meant: a text without a point counts as endless, which puts
 // infinities and NaN beyond all numbers of their sign.
@@ -55,8 +53,7 @@ std::strong_ordering CompareDecimals(double a, double b) noexcept {
   if (a == b) return std::strong_ordering::equal;
   const double a_size = std::fabs(a);
   const double b_size = std::fabs(b);
-  if (IsPlain(a_size) && IsPlain(b_size) &&
-      std::fabs(a - b) > kClose * std::max(a_size, b_size)) {
+  if (IsPlain(a_size) && IsPlain(b_size) && std::fabs(a - b) > kClose * std::max(a_size, b_size)) {
     return a < b ? std::strong_ordering::less : std::strong_ordering::greater;
   }
   return CompareDecimalTexts(a, b);

@@ -40,36 +40,6 @@ bool HasStack() noexcept { return StackGuard::HasRoom(); }
 
 namespace {
 
-bool IsParameterOf(const IxoMepExprNode& lambda, const char* name) noexcept {
-  for (const IxoMepExprNode* p = lambda.Left(); p != nullptr; p = p->Left()) {
-    if (p->GetNameAddress() == name) return true;
-  }
-  return false;
-}
-
-// An operator that computes from its operands and nothing else. VAL reads a literal, which may
-// hold a whole expression.
-bool IsPureOperator(Kind kind) noexcept {
-  return kind > Kind::Lambda && kind != Kind::Assign && kind != Kind::Val;
-}
-
-bool IsPure(const IxoMepExprNode& lambda) {
-  std::vector<const IxoMepExprNode*> open = {lambda.Right()};
-  while (!open.empty()) {
-    const IxoMepExprNode* const node = open.back();
-    open.pop_back();
-    if (node == nullptr || node->GetType() == Kind::Constant) continue;
-    if (node->GetType() == Kind::Variable) {
-      if (!IsParameterOf(lambda, node->GetNameAddress())) return false;
-      continue;
-    }
-    if (!IsPureOperator(node->GetType())) return false;
-    open.push_back(node->Left());
-    open.push_back(node->Right());
-  }
-  return true;
-}
-
 // The function that a call names; the empty text for a callee without a name.
 String NameOfCall(const IxoMepExprNode& node) {
   const IxoMepExprNode* callee = node.GetType() == Kind::FunctionCall ? node.Left() : &node;
@@ -78,14 +48,6 @@ String NameOfCall(const IxoMepExprNode& node) {
 }
 
 }  // namespace
-
-bool IsPurePredicate(const IxoMepExprNode* lambda) noexcept {
-  try {
-    return lambda != nullptr && lambda->GetType() == Kind::Lambda && IsPure(*lambda);
-  } catch (const std::exception&) {
-    return false;  // no memory to find out
-  }
-}
 
 }  // namespace ixomep
 

@@ -198,9 +198,8 @@ IxoMepErrorEnum ReadLeft(const IxoMepExprNode& node, Frame& frame, IxoMepValue& 
 
 IxoMepErrorEnum Evaluate(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out) {
   const CallDepth depth;
-  const IxoMepErrorEnum code = Guarded(frame.text, [&] {
-    return depth.IsAllowed() ? Dispatch(node, frame, out) : TooDeep(frame);
-  });
+  const IxoMepErrorEnum code = Guarded(
+      frame.text, [&] { return depth.IsAllowed() ? Dispatch(node, frame, out) : TooDeep(frame); });
   if (code != IMEPERR_NONE) {
     frame.no_result = false;
     ValueAccess::SetUndefined(out);
@@ -211,8 +210,8 @@ IxoMepErrorEnum Evaluate(const IxoMepExprNode& node, Frame& frame, IxoMepValue& 
 IxoMepErrorEnum BorrowOperand(const IxoMepExprNode& node, Frame& frame, IxoMepValue& storage,
                               const IxoMepValue*& value) {
   const Kind kind = node.GetType();
-  const bool in_place = IsInert(node) || kind == Kind::ArraySubscription ||
-                        kind == Kind::ObjectSubscription;
+  const bool in_place =
+      IsInert(node) || kind == Kind::ArraySubscription || kind == Kind::ObjectSubscription;
   if (!in_place) {
     value = &storage;
     return EvaluateOperand(node, frame, storage);

@@ -190,8 +190,8 @@ IxoMepErrorEnum EvaluateMethod(const IxoMepExprNode& call, Frame& frame, IxoMepV
   if (code != IMEPERR_NONE) return code;
   const CallingParser calling(frame.parser);
   IxoMepValue* slot = nullptr;
-  code = static_cast<IxoMepErrorEnum>(value->EvaluateMethodCall(
-      method, arguments.Find(frame), slot, frame.text, frame.strict));
+  code = static_cast<IxoMepErrorEnum>(
+      value->EvaluateMethodCall(method, arguments.Find(frame), slot, frame.text, frame.strict));
   ValuePtr result(slot);
   if (code == IMEPERR_NONE) TakeResult(std::move(result), frame, out);
   return code;

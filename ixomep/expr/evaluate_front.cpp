@@ -95,9 +95,11 @@ IxoMepErrorEnum IxoMepExprNode::EvaluateMethodCall(const IxoMepExpressionParser*
   return RunWorker(worker, *this, parser, scope, result, errorText, strict);
 }
 
-IxoMepErrorEnum IxoMepExprNode::EvaluateObjectSubscriptionCall(
-    const IxoMepExpressionParser* parser, IxoMepValueSet* scope, IxoMepValue*& result,
-    String& errorText, bool strict) const {
+IxoMepErrorEnum IxoMepExprNode::EvaluateObjectSubscriptionCall(const IxoMepExpressionParser* parser,
+                                                               IxoMepValueSet* scope,
+                                                               IxoMepValue*& result,
+                                                               String& errorText,
+                                                               bool strict) const {
   Worker& worker = kind_ == Kind::ObjectSubscription ? ixomep::EvaluateProperty : ixomep::Evaluate;
   return RunWorker(worker, *this, parser, scope, result, errorText, strict);
 }

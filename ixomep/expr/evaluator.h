@@ -36,8 +36,7 @@ struct Frame {
 IxoMepErrorEnum Evaluate(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out);
 
 // The same for an operand, argument or element: a result left unset counts as undefined.
-inline IxoMepErrorEnum EvaluateOperand(const IxoMepExprNode& node, Frame& frame,
-                                       IxoMepValue& out) {
+inline IxoMepErrorEnum EvaluateOperand(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out) {
   const IxoMepErrorEnum code = Evaluate(node, frame, out);
   frame.no_result = false;
   return code;

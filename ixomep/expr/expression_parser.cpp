@@ -98,8 +98,7 @@ IxoMepErrorEnum IxoMepExpressionParser::EvaluateFunctionCall(const IxoMepExprNod
                                                              IxoMepValueSet* scope,
                                                              const String& name,
                                                              IxoMepValue*& result,
-                                                             String& errorText,
-                                                             bool strict) const {
+                                                             String& errorText, bool strict) const {
   const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
     if (!(name == kLineNumber) && HoldsLambda(scope, name)) {
       return ixomep::Raise(errorText, IMEPERR_UNKNOWN_FUNCTION, {{"%s", name}});

@@ -15,7 +15,7 @@
 namespace ixomep {
 class NodePtr;
 class TokenList;
-struct Grammar;
+struct ExprGrammar;
 }  // namespace ixomep
 
 class IXOMEP_API IxoMepExpressionParser {
@@ -72,7 +72,7 @@ class IXOMEP_API IxoMepExpressionParser {
                                        String& errorText, bool strict) const;
 
  private:
-  friend struct ixomep::Grammar;
+  friend struct ixomep::ExprGrammar;
 
   // The grammar, lowest level first: each consumes tokens from the front of the list and gives
   // the subtree, or null with error and text set.

@@ -10,7 +10,7 @@
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/values/string_address_map.h"
 
-using ixomep::Grammar;
+using ixomep::ExprGrammar;
 using ixomep::Level;
 using ixomep::NodeAccess;
 using ixomep::NodePtr;
@@ -61,17 +61,17 @@ class RightChain {
 
 }  // namespace
 
-NodePtr Grammar::Fail(IxoMepErrorEnum code, std::int32_t& error, String& text,
-                      std::initializer_list<Fill> fills) {
+NodePtr ExprGrammar::Fail(IxoMepErrorEnum code, std::int32_t& error, String& text,
+                          std::initializer_list<Fill> fills) {
   error = Raise(text, code, fills);
   return {};
 }
 
-NodePtr Grammar::FailCloser(Kind closer, std::int32_t& error, String& text) {
+NodePtr ExprGrammar::FailCloser(Kind closer, std::int32_t& error, String& text) {
   return Fail(IMEPERR_CLOSER_EXPECTED, error, text, {{"%1", OperatorText(closer)}});
 }
 
-NodePtr Grammar::Parse(TokenList& tokens, std::int32_t& error, String& text) {
+NodePtr ExprGrammar::Parse(TokenList& tokens, std::int32_t& error, String& text) {
   if (tokens.IsEmpty()) return Fail(IMEPERR_OPERAND_EXPECTED, error, text);
   NodePtr tree = IxoMepExpressionParser::CommaExpr(tokens, error, text);
   if (!tree || tokens.IsEmpty()) return tree;
@@ -80,7 +80,7 @@ NodePtr Grammar::Parse(TokenList& tokens, std::int32_t& error, String& text) {
               {{"%1", OperatorText(Kind::CloseParen)}, {"%2", OperatorText(Kind::OpenParen)}});
 }
 
-NodePtr Grammar::Binary(TokenList& tokens, Level lowest, std::int32_t& error, String& text) {
+NodePtr ExprGrammar::Binary(TokenList& tokens, Level lowest, std::int32_t& error, String& text) {
   using Function = NodePtr (*)(TokenList&, std::int32_t&, String&);
   // What stands on the right of an operator of Or, And, Equality, Add, Mult.
   static constexpr Function kRightOperand[] = {
@@ -129,27 +129,27 @@ NodePtr IxoMepExpressionParser::AssignmentExpr(Tokens& tokens, std::int32_t& err
 }
 
 NodePtr IxoMepExpressionParser::OrExpr(Tokens& tokens, std::int32_t& error, String& text) {
-  return Grammar::Binary(tokens, Level::Or, error, text);
+  return ExprGrammar::Binary(tokens, Level::Or, error, text);
 }
 
 NodePtr IxoMepExpressionParser::AndExpr(Tokens& tokens, std::int32_t& error, String& text) {
-  return Grammar::Binary(tokens, Level::And, error, text);
+  return ExprGrammar::Binary(tokens, Level::And, error, text);
 }
 
 NodePtr IxoMepExpressionParser::EqualityExpr(Tokens& tokens, std::int32_t& error, String& text) {
-  return Grammar::Binary(tokens, Level::Equality, error, text);
+  return ExprGrammar::Binary(tokens, Level::Equality, error, text);
 }
 
 NodePtr IxoMepExpressionParser::AddExpr(Tokens& tokens, std::int32_t& error, String& text) {
-  return Grammar::Binary(tokens, Level::Add, error, text);
+  return ExprGrammar::Binary(tokens, Level::Add, error, text);
 }
 
 NodePtr IxoMepExpressionParser::MultExpr(Tokens& tokens, std::int32_t& error, String& text) {
-  return Grammar::Binary(tokens, Level::Mult, error, text);
+  return ExprGrammar::Binary(tokens, Level::Mult, error, text);
 }
 
 NodePtr IxoMepExpressionParser::UnaryExpr(Tokens& tokens, std::int32_t& error, String& text) {
-  if (!ixomep::StackGuard::HasRoom()) return Grammar::Fail(IMEPERR_TOO_DEEP, error, text);
+  if (!ixomep::StackGuard::HasRoom()) return ExprGrammar::Fail(IMEPERR_TOO_DEEP, error, text);
   if (!PrefixAt(tokens)) return PostfixExpr(tokens, error, text);
   RightChain operators;
   while (PrefixAt(tokens)) operators.Add(tokens.TakeFront());
@@ -187,7 +187,7 @@ NodePtr IxoMepExpressionParser::PrimaryExpr(Tokens& tokens, std::int32_t& error,
   if (tokens.Accept(Kind::OpenParen)) {
     NodePtr inner = CommaExpr(tokens, error, text);
     if (inner && !tokens.Accept(Kind::CloseParen)) {
-      return Grammar::FailCloser(Kind::CloseParen, error, text);
+      return ExprGrammar::FailCloser(Kind::CloseParen, error, text);
     }
     return inner;
   }
@@ -199,5 +199,5 @@ NodePtr IxoMepExpressionParser::PrimaryExpr(Tokens& tokens, std::int32_t& error,
     return Join(NodePtr::Make(Kind::Variable, ixomep::Intern(is_map ? "{:" : "{")),
                 NodePtr::Make(Kind::FunctionCall), std::move(list));
   }
-  return Grammar::Fail(IMEPERR_OPERAND_EXPECTED, error, text);
+  return ExprGrammar::Fail(IMEPERR_OPERAND_EXPECTED, error, text);
 }

@@ -13,7 +13,7 @@
 
 namespace ixomep {
 
-struct Grammar {
+struct ExprGrammar {
   // The tree of the whole list, or null with error and text set and the offending token at the
   // front.
   static NodePtr Parse(TokenList& tokens, std::int32_t& error, String& text);

@@ -5,7 +5,7 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/grammar.h"
 
-using ixomep::Grammar;
+using ixomep::ExprGrammar;
 using ixomep::NodeAccess;
 using ixomep::NodePtr;
 using ixomep::TokenList;
@@ -64,14 +64,14 @@ bool Separator(TokenList& tokens, Kind closer, std::uint32_t count, bool& is_map
       if (comma) tokens.DropFront();
       return comma;
     }
-    Grammar::Fail(IMEPERR_BAD_SEPARATOR, error, text, {{"%c", comma ? "," : "}"}});
+    ExprGrammar::Fail(IMEPERR_BAD_SEPARATOR, error, text, {{"%c", comma ? "," : "}"}});
     return false;
   }
   if (colon && behind_key) {
     tokens.DropFront();
     return true;
   }
-  Grammar::FailCloser(closer, error, text);
+  ExprGrammar::FailCloser(closer, error, text);
   return false;
 }
 
@@ -103,7 +103,7 @@ NodePtr IxoMepExpressionParser::ParamList(Tokens& tokens, std::int32_t& error, S
     NodePtr block = CommaExpr(tokens, error, text);
     if (!block) return {};
     cells.Add(std::move(block));
-    if (!tokens.Accept(block_closer)) return Grammar::FailCloser(block_closer, error, text);
+    if (!tokens.Accept(block_closer)) return ExprGrammar::FailCloser(block_closer, error, text);
   }
   count = cells.Count();
   return cells.Take();

@@ -13,7 +13,7 @@ namespace {
 
 NodePtr Build(TokenList& tokens, IxoMepErrorEnum& code, String& error_text) {
   std::int32_t error = 0;
-  NodePtr tree = Grammar::Parse(tokens, error, error_text);
+  NodePtr tree = ExprGrammar::Parse(tokens, error, error_text);
   code = static_cast<IxoMepErrorEnum>(error);
   return tree;
 }

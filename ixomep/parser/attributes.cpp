@@ -25,7 +25,7 @@ constexpr bool IsNumber(IxoMepValueType type) noexcept {
 }  // namespace
 
 IxoMepErrorEnum Grammar::ReadAttribute() {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   const std::size_t start = frame.position;
   IxoMepElement* const element = AttributeOwner();
   if (element == nullptr) {
@@ -63,7 +63,7 @@ IxoMepErrorEnum Grammar::ReadAttribute() {
 IxoMepErrorEnum Grammar::ReadAttributeName(IxoMepElement& element, std::size_t start,
                                            std::size_t end, std::size_t& colon,
                                            IxoMepAttribute*& attribute) {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   const std::string_view bytes = frame.bytes;
   bool has_dash = false;
   bool has_index = false;
@@ -96,7 +96,7 @@ IxoMepErrorEnum Grammar::ReadAttributeName(IxoMepElement& element, std::size_t s
 // there, and the position moves to it.
 IxoMepErrorEnum Grammar::ReadModifier(IxoMepAttribute& attribute, std::size_t& position,
                                       std::size_t end, bool& has_value) {
-  const Frame& frame = Top();
+  const ReadingFrame& frame = Top();
   const std::size_t start = position;
   while (position < end && IsModifierByte(frame.bytes[position])) ++position;
   attribute.SetModifier(Shared(frame.bytes.substr(start, position - start)));
@@ -111,12 +111,12 @@ IxoMepErrorEnum Grammar::ReadModifier(IxoMepAttribute& attribute, std::size_t& p
 
 IxoMepErrorEnum Grammar::ReadAttributeValue(IxoMepAttribute& attribute, std::size_t start,
                                             std::size_t position, std::size_t end) {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   if (position >= end) return Fail(IMEPERR_VALUE_EXPECTED, position);
   if (frame.bytes[position] == '{' && !OpensArray(position)) {
     const std::size_t close = frame.extents->MatchingBrace(position, frame.end, start);
     if (close == kNoMatch) return Fail(IMEPERR_CLOSER_EXPECTED, position, {{"%1", "}"}});
-    return ReadBody(position, close, Frame::Kind::AttributeBody, &attribute.body_);
+    return ReadBody(position, close, ReadingFrame::Kind::AttributeBody, &attribute.body_);
   }
   IxoMepErrorEnum code = IMEPERR_NONE;
   attribute.value_ = ReadValue(position, code);

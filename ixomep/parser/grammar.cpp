@@ -38,7 +38,7 @@ bool IsErrorCode(int number) noexcept {
 IxoMepErrorEnum Grammar::ReadStretch() {
   const std::size_t depth = frames_.size();
   while (frames_.size() == depth) {
-    Frame& frame = Top();
+    ReadingFrame& frame = Top();
     if (frame.position >= frame.end) break;
     const char byte = frame.bytes[frame.position];
     if (Is(byte, kWhite)) {
@@ -62,7 +62,7 @@ IxoMepErrorEnum Grammar::ReadStretch() {
 }
 
 IxoMepErrorEnum Grammar::ReadItem(char first) {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   if (first == '@' || Is(first, kUpper)) return ReadElement();
   if (frame.at_statement_start) {
     const std::size_t end = frame.extents->FindStatementEnd(frame.position, frame.end);
@@ -81,7 +81,7 @@ IxoMepErrorEnum Grammar::Unexpected() {
 
 IxoMepErrorEnum Grammar::ReadExpressionText(std::size_t start, std::size_t end, std::int32_t line,
                                             std::unique_ptr<IxoMepExpressionParser>& expression) {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   expression = NewExpression(frame.parser);
   String text;
   const IxoMepErrorEnum code =
@@ -96,7 +96,7 @@ IxoMepErrorEnum Grammar::ReadExpressionText(std::size_t start, std::size_t end, 
 }
 
 IxoMepErrorEnum Grammar::ReadStatement(std::size_t start, std::size_t end, std::int32_t line) {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   std::unique_ptr<IxoMepExpressionParser> expression;
   const IxoMepErrorEnum code = ReadExpressionText(start, end, line, expression);
   if (code != IMEPERR_NONE) {
@@ -120,7 +120,7 @@ IxoMepErrorEnum Grammar::ReadStatement(std::size_t start, std::size_t end, std::
 
 // What follows a keyword directly: white space, a quote, a bracket or the end.
 IxoMepErrorEnum Grammar::CheckKeywordEnd(std::size_t start, std::size_t end) {
-  const Frame& frame = Top();
+  const ReadingFrame& frame = Top();
   if (end >= frame.end) return IMEPERR_NONE;
   const char next = frame.bytes[end];
   if (Is(next, kWhite) || next == '"' || next == '(') return IMEPERR_NONE;
@@ -129,7 +129,7 @@ IxoMepErrorEnum Grammar::CheckKeywordEnd(std::size_t start, std::size_t end) {
 }
 
 bool Grammar::OpensArray(std::size_t position) noexcept {
-  const Frame& frame = Top();
+  const ReadingFrame& frame = Top();
   if (frame.bytes[position] != '{') return false;
   const std::size_t inner = Skip(frame.bytes, position + 1, frame.end, kWhite);
   if (inner >= frame.end) return false;
@@ -138,7 +138,7 @@ bool Grammar::OpensArray(std::size_t position) noexcept {
 }
 
 IxoMepErrorEnum Grammar::ReadElement() {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   const std::size_t start = frame.position;
   const std::int32_t line = frame.line;
   std::size_t end = start + 1;
@@ -171,7 +171,7 @@ IxoMepErrorEnum Grammar::ReadElement() {
 }
 
 bool Grammar::StartsValue(std::size_t position) noexcept {
-  const Frame& frame = Top();
+  const ReadingFrame& frame = Top();
   if (position >= frame.end) return false;
   const char byte = frame.bytes[position];
   if (byte == '(') return !OpensComment(frame.bytes, position, frame.end);
@@ -191,14 +191,14 @@ IxoMepErrorEnum Grammar::FailAfterValue(const IxoMepValue& value, std::size_t po
 }
 
 IxoMepErrorEnum Grammar::ReadElementBody() {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   const std::size_t open = frame.position;
   if (!HasCurrent() || frame.parser->current_->body_ != nullptr) {
     return Fail(IMEPERR_OUTSIDE_ELEMENT, open, {{"%s", "{"}});
   }
   const std::size_t close = frame.extents->MatchingBrace(open, frame.end, open);
   if (close == kNoMatch) return Fail(IMEPERR_CLOSER_EXPECTED, open, {{"%1", "}"}});
-  return ReadBody(open, close, Frame::Kind::ElementBody, &frame.parser->current_->body_);
+  return ReadBody(open, close, ReadingFrame::Kind::ElementBody, &frame.parser->current_->body_);
 }
 
 }  // namespace ixomep

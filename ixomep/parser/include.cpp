@@ -87,15 +87,15 @@ IxoMepErrorEnum Grammar::Include(std::unique_ptr<IxoMepElement> directive, std::
 // changed, when the complete text would become too long.
 bool Grammar::EnterFile(std::unique_ptr<IxoMepElement> directive, std::size_t start,
                         const String& name, const String& text) {
-  const Frame& outer = Top();
+  const ReadingFrame& outer = Top();
   IxoMepParser& parser = *outer.parser;
   if (parser.splices_ == nullptr) parser.splices_ = std::make_unique<Splices>(parser.text_);
   const auto removed = static_cast<std::int32_t>(outer.position - start);
   const std::int32_t rest = parser.splices_->Length() - removed;
   if (text.Len() > String::kMaxLength - rest) return false;
 
-  Frame frame;
-  frame.kind = Frame::Kind::Include;
+  ReadingFrame frame;
+  frame.kind = ReadingFrame::Kind::Include;
   frame.continues = outer.continues || outer.position < outer.bytes.size();
   frame.base = OffsetOf(start);
   frame.parser = &parser;

@@ -75,14 +75,15 @@ IxoMepExpressionParser* IxoMepParser::NewExprParser() {
 }
 
 void IxoMepParser::SetText(const String& text) {
+  const String taken = text;  // it may belong to an element that goes
   SetCurrent(nullptr, -1);
   elements_.clear();
   loose_.reset();
   is_body_ = false;
   splices_.reset();
-  text_ = text;
+  text_ = taken;
   start_ = 0;
-  length_ = text.Len();
+  length_ = taken.Len();
   Init();
 }
 

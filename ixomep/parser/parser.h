@@ -31,7 +31,7 @@ class IXOMEP_API IxoMepParser {
   // --- Life (parser.cpp) ---------------------------------------------------------------------
   // A constructor loads (and deciphers) the text and parses nothing: call Parse.
   // The whole text; context names its source in error texts.
-  IxoMepParser(const String& text, const String& context);
+  explicit IxoMepParser(const String& text, const String& context = String());
   // The same; the context is the label `"name" (kind)`.
   IxoMepParser(const String& text, const String& name, const String& kind);
   // A stretch of a larger text, clipped to it. firstLine 0 or less: counted from 1.

@@ -19,14 +19,14 @@ namespace ixomep {
 // Frames are left over only when an exception ended the reading.
 Grammar::~Grammar() {
   while (!frames_.empty()) {
-    if (Top().kind == Frame::Kind::Include) DropInclude();
+    if (Top().kind == ReadingFrame::Kind::Include) DropInclude();
     frames_.pop_back();
   }
 }
 
 IxoMepErrorEnum Grammar::Read(IxoMepParser& parser, std::int32_t start, std::int32_t length,
                               std::int32_t first_line) {
-  Frame frame;
+  ReadingFrame frame;
   frame.parser = &parser;
   parser.Compose();
   frame.source = parser.text_;
@@ -58,16 +58,16 @@ IxoMepErrorEnum Grammar::Run() {
 
 // Ends the top frame, whose stretch has been read without error.
 void Grammar::Finish() {
-  Frame& done = Top();
+  ReadingFrame& done = Top();
   IxoMepParser& parser = *done.parser;
   parser.include_shift_ += done.saved_shift;
-  if (done.kind == Frame::Kind::Include) {
+  if (done.kind == ReadingFrame::Kind::Include) {
     DropInclude();
     frames_.pop_back();
     return;
   }
   if (!parser.elements_.empty()) parser.SetCurrent(parser.elements_.front().get(), 0);
-  if (done.kind == Frame::Kind::Outermost) {
+  if (done.kind == ReadingFrame::Kind::Outermost) {
     frames_.pop_back();
     return;
   }
@@ -83,16 +83,16 @@ void Grammar::Finish() {
 // Hands the error of the innermost parser to all parsers around it.
 void Grammar::Unwind() {
   while (!frames_.empty()) {
-    const Frame::Kind kind = Top().kind;
-    if (kind == Frame::Kind::Include) {
+    const ReadingFrame::Kind kind = Top().kind;
+    if (kind == ReadingFrame::Kind::Include) {
       error_position_ = Top().directive_start;
       DropInclude();
     }
-    if (kind == Frame::Kind::Outermost || kind == Frame::Kind::Include) {
+    if (kind == ReadingFrame::Kind::Outermost || kind == ReadingFrame::Kind::Include) {
       frames_.pop_back();
       continue;
     }
-    const Frame inner = std::move(Top());
+    const ReadingFrame inner = std::move(Top());
     frames_.pop_back();
     IxoMepParser& outer = *Top().parser;
     outer.CopyError(*inner.parser, ErrorOffsetOf(error_position_));
@@ -112,7 +112,7 @@ void Grammar::DropInclude() noexcept {
   }
 }
 
-IxoMepErrorEnum Grammar::ReadBody(std::size_t open, std::size_t close, Frame::Kind kind,
+IxoMepErrorEnum Grammar::ReadBody(std::size_t open, std::size_t close, ReadingFrame::Kind kind,
                                   BodyPtr* owner) {
   IxoMepParser& outer = *Top().parser;
   const std::int32_t start = OffsetOf(open + 1);
@@ -140,10 +140,10 @@ IxoMepErrorEnum Grammar::ReadBody(std::size_t open, std::size_t close, Frame::Ki
   return IMEPERR_NONE;
 }
 
-void Grammar::EnterBody(std::size_t open, std::size_t close, Frame::Kind kind, BodyPtr* owner,
-                        BodyPtr body) {
-  const Frame& outer = Top();
-  Frame frame;
+void Grammar::EnterBody(std::size_t open, std::size_t close, ReadingFrame::Kind kind,
+                        BodyPtr* owner, BodyPtr body) {
+  const ReadingFrame& outer = Top();
+  ReadingFrame frame;
   frame.kind = kind;
   frame.continues = outer.continues;
   frame.base = outer.base + outer.parser->include_shift_;
@@ -198,18 +198,18 @@ IxoMepElement* Grammar::AttributeOwner() {
 }
 
 std::int32_t Grammar::OffsetOf(std::size_t position) const noexcept {
-  const Frame& frame = frames_.back();
+  const ReadingFrame& frame = frames_.back();
   return frame.base + static_cast<std::int32_t>(position) + frame.parser->include_shift_;
 }
 
 std::int32_t Grammar::ErrorOffsetOf(std::size_t position) const noexcept {
-  const Frame& frame = frames_.back();
+  const ReadingFrame& frame = frames_.back();
   const bool is_outside = frame.continues && position > 0 && position >= frame.bytes.size();
   return OffsetOf(is_outside ? frame.bytes.size() - 1 : position);
 }
 
 void Grammar::PassLines(std::size_t from, std::size_t to) noexcept {
-  Frame& frame = Top();
+  ReadingFrame& frame = Top();
   to = std::min(to, frame.bytes.size());
   // A host may start with any line: wraps.
   frame.line =
@@ -219,7 +219,7 @@ void Grammar::PassLines(std::size_t from, std::size_t to) noexcept {
 
 // The text from a position to the next white space.
 std::string_view Grammar::WordAt(std::size_t position) const noexcept {
-  const Frame& frame = frames_.back();
+  const ReadingFrame& frame = frames_.back();
   return frame.bytes.substr(position, Find(frame.bytes, position, frame.end, kWhite) - position);
 }
 
@@ -232,7 +232,7 @@ const String& Grammar::Shared(std::string_view name) {
 }
 
 ValuePtr Grammar::ReadValue(std::size_t& position, IxoMepErrorEnum& code) {
-  const Frame& frame = Top();
+  const ReadingFrame& frame = Top();
   const std::size_t start = position;
   LiteralContext context(frame.parser, frame.line);
   ValuePtr value = ReadLiteral({frame.bytes, frame.continues}, position, context);

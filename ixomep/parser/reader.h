@@ -27,7 +27,7 @@ namespace ixomep {
 
 // A stretch that is being read. Positions are in its source: the text of one file. The offset in
 // the parser's complete text is base + position + the parser's include shift.
-struct Frame {
+struct ReadingFrame {
   enum class Kind { Outermost, ElementBody, AttributeBody, Include };
 
   Kind kind = Kind::Outermost;
@@ -68,9 +68,10 @@ class Grammar {
   void Finish();
   void Unwind();
   void DropInclude() noexcept;
-  void EnterBody(std::size_t open, std::size_t close, Frame::Kind kind, BodyPtr* owner,
+  void EnterBody(std::size_t open, std::size_t close, ReadingFrame::Kind kind, BodyPtr* owner,
                  BodyPtr body);
-  IxoMepErrorEnum ReadBody(std::size_t open, std::size_t close, Frame::Kind kind, BodyPtr* owner);
+  IxoMepErrorEnum ReadBody(std::size_t open, std::size_t close, ReadingFrame::Kind kind,
+                           BodyPtr* owner);
   IxoMepErrorEnum ReadForeignBody(std::size_t open, std::size_t close, BodyPtr* owner,
                                   BodyPtr body);
 
@@ -101,7 +102,7 @@ class Grammar {
                  const String& text);
 
   // Shared (reader.cpp).
-  Frame& Top() noexcept { return frames_.back(); }
+  ReadingFrame& Top() noexcept { return frames_.back(); }
   bool HasCurrent() const noexcept;
   IxoMepElement* AttributeOwner();
   std::int32_t OffsetOf(std::size_t position) const noexcept;
@@ -123,7 +124,7 @@ class Grammar {
   std::string_view WordAt(std::size_t position) const noexcept;
   const String& Shared(std::string_view name);
 
-  std::vector<Frame> frames_;
+  std::vector<ReadingFrame> frames_;
   std::size_t error_position_ = 0;  // in the top frame's source
   std::int32_t includes_ = 0;
   // Names repeat: the last text of each slot is shared instead of made again.

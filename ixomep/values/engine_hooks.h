@@ -18,10 +18,6 @@ IxoMepExprNode* KeepLambda(IxoMepExprNode* lambda);
 void DropLambda(IxoMepExprNode* lambda) noexcept;
 std::int32_t LambdaParamCount(const IxoMepExprNode* lambda) noexcept;
 
-// Is evaluating this lambda's body free of effects and of calls (operators, constants, and the
-// lambda's own parameters only)? Then a sort may compare in another order than written.
-bool IsPurePredicate(const IxoMepExprNode* lambda) noexcept;
-
 // A predicate of a sort: binds copies of first and second in a fresh scope without a parent and
 // evaluates the body; truth is its integer reading > 0. The lambda is held during the call.
 IxoMepErrorEnum ApplyPredicate(IxoMepExprNode* lambda, const IxoMepValue& first,

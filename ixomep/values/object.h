@@ -55,8 +55,8 @@ class IXOMEP_API IxoMepObject {
   long GetObjectPropertyLValue(const char* name, IxoMepValue*& result, String& errorText);
   // Calls the lambda property or the native method of that name; the parameters of a lambda
   // refer to the arguments. 42 for an unknown name or a property that is no lambda.
-  long EvaluateObjectMethodCall(const char* name, const IxoMepValueList& args,
-                                IxoMepValue*& result, String& errorText);
+  long EvaluateObjectMethodCall(const char* name, const IxoMepValueList& args, IxoMepValue*& result,
+                                String& errorText);
   // "OBJECT{a: 1, b: 2}" in name order.
   String GetText() const;
 

@@ -72,6 +72,10 @@ class IXOMEP_API IxoMepValue {
   explicit IxoMepValue(IxoMepValueType type);
   // Integer n; Real, Measure, Time n; Array of n undefined elements; else an assertion.
   IxoMepValue(IxoMepValueType type, int n);
+  // Other integers count by their low 32 bits.
+  template <std::integral N>
+  requires(!std::same_as<N, bool>) IxoMepValue(IxoMepValueType type, N n)
+      : IxoMepValue(type, static_cast<int>(n)) {}
   // Integer d truncated; Real, Measure, Time d; else an assertion.
   IxoMepValue(IxoMepValueType type, double d);
   // Array: takes over the elements. Map: consecutive (key, value) pairs are taken over; of equal
@@ -109,6 +113,10 @@ class IXOMEP_API IxoMepValue {
     Assign(p, truth ? 1 : 0);
   }
   static void Assign(IxoMepValue*& p, IxoMepValueType type, int n);
+  template <std::integral N>
+  requires(!std::same_as<N, bool>) static void Assign(IxoMepValue*& p, IxoMepValueType type, N n) {
+    Assign(p, type, static_cast<int>(n));
+  }
   static void Assign(IxoMepValue*& p, IxoMepValueType type, double d);
   // A null source destroys the value in p and nulls p.
   static void Assign(IxoMepValue*& p, const IxoMepValue* source);
@@ -122,12 +130,12 @@ class IXOMEP_API IxoMepValue {
   // "undefined" for an unknown number.
   static String GetTypeName(IxoMepValueType type);
   // These follow a chain of references; another type gives 0, 0.0 or null.
-  std::int32_t GetInt() const noexcept;   // a real is truncated, 0 outside the 32-bit range
-  double GetReal() const noexcept;        // Real and Integer
-  double GetSec() const noexcept;         // Time, seconds
-  std::int32_t GetTMM() const noexcept;   // Measure, whole tenths of a millimetre
-  std::int32_t GetTPt() const noexcept;   // Measure, tenths of a point, rounded
-  bool IsNum() const noexcept;            // Integer or Real
+  std::int32_t GetInt() const noexcept;  // a real is truncated, 0 outside the 32-bit range
+  double GetReal() const noexcept;       // Real and Integer
+  double GetSec() const noexcept;        // Time, seconds
+  std::int32_t GetTMM() const noexcept;  // Measure, whole tenths of a millimetre
+  std::int32_t GetTPt() const noexcept;  // Measure, tenths of a point, rounded
+  bool IsNum() const noexcept;           // Integer or Real
   IxoMepExpressionParser* GetExpr() noexcept;
   const IxoMepExpressionParser* GetExpr() const noexcept;
   IxoMepExprNode* GetLambda() noexcept;
@@ -196,9 +204,8 @@ class IXOMEP_API IxoMepValue {
   // parser (may be null) makes the expression objects; line is handed to them.
   static IxoMepValue* Create(const String& text, std::int32_t& position, std::int32_t& errorCode,
                              String& errorText, IxoMepParser* parser, std::int32_t line);
-  static IxoMepValue* Create(const String& text, std::int32_t& position,
-                             IxoMepErrorEnum& errorCode, String& errorText, IxoMepParser* parser,
-                             std::int32_t line);
+  static IxoMepValue* Create(const String& text, std::int32_t& position, IxoMepErrorEnum& errorCode,
+                             String& errorText, IxoMepParser* parser, std::int32_t line);
 
  private:
   friend struct ixomep::ValueAccess;
@@ -217,8 +224,8 @@ class IXOMEP_API IxoMepValue {
   };
 
   bool HasHeapPayload() const noexcept {
-    constexpr std::uint32_t kHeapTypes = (1u << 1) | (1u << 6) | (1u << 7) | (1u << 8) |
-                                         (1u << 10) | (1u << 11);
+    constexpr std::uint32_t kHeapTypes =
+        (1u << 1) | (1u << 6) | (1u << 7) | (1u << 8) | (1u << 10) | (1u << 11);
     const auto tag = static_cast<std::uint32_t>(type_);
     return tag < 32 && ((kHeapTypes >> tag) & 1u) != 0;
   }
@@ -226,14 +233,14 @@ class IXOMEP_API IxoMepValue {
   void Discard() noexcept;
   static IxoMepValue* GetpNullValue() noexcept;
   static IxoMepValue* CreateString(const String& text, std::int32_t& position,
-                                   std::int32_t& errorCode, String& errorText,
-                                   IxoMepParser* parser, std::int32_t line);
+                                   std::int32_t& errorCode, String& errorText, IxoMepParser* parser,
+                                   std::int32_t line);
   static IxoMepValue* CreateExpression(const String& text, std::int32_t& position,
                                        std::int32_t& errorCode, String& errorText,
                                        IxoMepParser* parser, std::int32_t line);
   static IxoMepValue* CreateArray(const String& text, std::int32_t& position,
-                                  std::int32_t& errorCode, String& errorText,
-                                  IxoMepParser* parser, std::int32_t line);
+                                  std::int32_t& errorCode, String& errorText, IxoMepParser* parser,
+                                  std::int32_t line);
 
   IxoMepValueType type_;
   mutable Payload payload_;  // reading an element through a const array may give it its own storage

@@ -97,14 +97,14 @@ std::string ExpectedResult(Kind kind, const std::string& left, const std::string
     default:  // the six comparisons
       if (IsNumber(left) && IsNumber(right)) return "integer";
       return left == right && (left == "string" || left == "measure" || left == "time") ? "integer"
-                                                                                       : "";
+                                                                                        : "";
   }
 }
 
-constexpr Kind kKinds[] = {Kind::Plus,    Kind::Minus,        Kind::Times,   Kind::Divide,
-                           Kind::Mod,     Kind::Equal,        Kind::NotEqual, Kind::Less,
-                           Kind::LessEqual, Kind::GreaterEqual, Kind::Greater, Kind::And,
-                           Kind::Or,      Kind::Sub,          Kind::In};
+constexpr Kind kKinds[] = {Kind::Plus,      Kind::Minus,        Kind::Times,    Kind::Divide,
+                           Kind::Mod,       Kind::Equal,        Kind::NotEqual, Kind::Less,
+                           Kind::LessEqual, Kind::GreaterEqual, Kind::Greater,  Kind::And,
+                           Kind::Or,        Kind::Sub,          Kind::In};
 
 std::string TypeNameOf(const IxoMepValue& value) {
   return std::string(IxoMepValue::GetTypeName(value.GetType()).view());
@@ -143,9 +143,9 @@ TEST(BinaryOperators, The_sequence_operator_gives_its_right_operand) {
   for (const std::string& right : samples.Names()) {
     IxoMepValue operand(samples.Get(right));
     String text;
-    EXPECT_EQ(IxoMepExprNode::EvaluateBinaryOpCall(Kind::Comma, samples.Get("map"), operand, text,
-                                                   false),
-              0);
+    EXPECT_EQ(
+        IxoMepExprNode::EvaluateBinaryOpCall(Kind::Comma, samples.Get("map"), operand, text, false),
+        0);
     EXPECT_EQ(operand.GetType(), samples.Get(right).GetType()) << right;
   }
 }
@@ -154,8 +154,8 @@ TEST(BinaryOperators, Kinds_that_are_no_infix_operators_fail_with_21) {
   for (const int kind : {-1, 0, 1, 4, 7, 9, 10, 24, 28, 33, 46, 47, 1000000}) {
     IxoMepValue operand(1);
     String text;
-    EXPECT_EQ(IxoMepExprNode::EvaluateBinaryOpCall(static_cast<Kind>(kind), IxoMepValue(1),
-                                                   operand, text, false),
+    EXPECT_EQ(IxoMepExprNode::EvaluateBinaryOpCall(static_cast<Kind>(kind), IxoMepValue(1), operand,
+                                                   text, false),
               21)
         << kind;
   }
@@ -181,8 +181,7 @@ TEST(BinaryOperators, A_reference_to_an_integer_counts_as_a_real_operand) {
   EXPECT_EQ(ShownValue(Apply(Kind::Times, IxoMepValue(4), IxoMepValue(&two)).value), "real 8.0");
   EXPECT_EQ(Apply(Kind::Mod, IxoMepValue(&two), IxoMepValue(2)).code, 21);
   IxoMepValue chain(&two);
-  EXPECT_EQ(ShownValue(Apply(Kind::Equal, IxoMepValue(&chain), IxoMepValue(2)).value),
-            "integer 1");
+  EXPECT_EQ(ShownValue(Apply(Kind::Equal, IxoMepValue(&chain), IxoMepValue(2)).value), "integer 1");
 }
 
 TEST(BinaryOperators, Measures_compute_with_whole_tenths) {
@@ -212,8 +211,8 @@ TEST(BinaryOperators, Times_compute_with_seconds) {
 TEST(BinaryOperators, A_time_that_is_no_number_is_unequal_to_all_and_in_no_order) {
   const IxoMepValue nan(Type::Time, std::numeric_limits<double>::quiet_NaN());
   const IxoMepValue other(Type::Time, 1.0);
-  for (const Kind kind : {Kind::Equal, Kind::Less, Kind::LessEqual, Kind::Greater,
-                          Kind::GreaterEqual}) {
+  for (const Kind kind :
+       {Kind::Equal, Kind::Less, Kind::LessEqual, Kind::Greater, Kind::GreaterEqual}) {
     EXPECT_EQ(ShownValue(Apply(kind, nan, nan).value), "integer 0") << OpText(kind);
     EXPECT_EQ(ShownValue(Apply(kind, nan, other).value), "integer 0") << OpText(kind);
   }
@@ -305,12 +304,6 @@ TEST(BinaryOperators, A_failure_leaves_the_operand_as_it_was) {
   String text;
   EXPECT_EQ(ApplyBinary(Kind::Minus, IxoMepValue(1), right, text), 21);
   EXPECT_EQ(ShownValue(right), "string \"abc\"");
-}
-
-TEST(BinaryOperators, The_matrix_tells_what_is_defined) {
-  EXPECT_TRUE(HasBinaryRow(Kind::Plus, OperandClass::String, OperandClass::String));
-  EXPECT_FALSE(HasBinaryRow(Kind::Minus, OperandClass::String, OperandClass::String));
-  EXPECT_FALSE(HasBinaryRow(Kind::Assign, OperandClass::Integer, OperandClass::Integer));
 }
 
 }  // namespace

@@ -26,14 +26,14 @@ class HookParser : public IxoMepExpressionParser {
     std::string name;
     bool strict;
   };
-  using Answer = std::function<IxoMepErrorEnum(const Asked& asked, IxoMepValue*& result,
-                                               String& error_text)>;
+  using Answer =
+      std::function<IxoMepErrorEnum(const Asked& asked, IxoMepValue*& result, String& error_text)>;
 
   explicit HookParser(Answer answer) : answer_(std::move(answer)) {}
 
   IxoMepErrorEnum EvaluateFunctionCall(const IxoMepExprNode* call, IxoMepValueSet* scope,
-                                       const String& name, IxoMepValue*& result,
-                                       String& error_text, bool strict) const override {
+                                       const String& name, IxoMepValue*& result, String& error_text,
+                                       bool strict) const override {
     EXPECT_EQ(result, nullptr) << "the hook gets an empty slot";
     asked.push_back({call, scope, std::string(name.view()), strict});
     return answer_(asked.back(), result, error_text);
@@ -157,9 +157,9 @@ TEST(Hook, Is_asked_in_lambdas_methods_predicates_and_evaluated_texts_too) {
   EXPECT_EQ(EvalWith(parser, "f := lambda(seven()), f()", &scope).Shown(), "integer 7");
   EXPECT_EQ(EvalWith(parser, "o.m(1)", &scope).Shown(), "real 8.0")
       << "a parameter of a method is a reference, which makes a sum real";
-  EXPECT_EQ(EvalWith(parser, "a := {1, 2}, a.sort(lambda(x, y, (x > y) * seven())), a", &scope)
-                .Shown(),
-            "array {2, 1}");
+  EXPECT_EQ(
+      EvalWith(parser, "a := {1, 2}, a.sort(lambda(x, y, (x > y) * seven())), a", &scope).Shown(),
+      "array {2, 1}");
   EXPECT_EQ(CallingParser::Current(), nullptr);
 }
 

@@ -34,9 +34,7 @@ bool IsGreater(const std::string& a, const std::string& b) {
   return a_negative ? a < b : a > b;
 }
 
-std::string TextOf(double number) {
-  return std::string(ixo_ftoa_period(number, 12).view());
-}
+std::string TextOf(double number) { return std::string(ixo_ftoa_period(number, 12).view()); }
 
 std::strong_ordering Judge(double a, double b) {
   const std::string a_text = TextOf(a);
@@ -107,16 +105,43 @@ TEST(DecimalCompare, Not_a_number_and_the_infinities_equal_themselves) {
 }
 
 std::vector<double> RemarkableNumbers() {
-  std::vector<double> numbers = {0.0,    1.0,     0.1,     0.3,    0.5,     1.5,    2.0,
-                                 9.0,    10.0,    99.5,    1e11,   1e12,    1e15,   1e22,
-                                 1e280,  1.1e280, 1e-280,  9e-281, 1e-300,  1e300,  1e-11,
-                                 1e-12,  1e-320,  5e-324,  kNan,   kInfinity,
+  std::vector<double> numbers = {0.0,
+                                 1.0,
+                                 0.1,
+                                 0.3,
+                                 0.5,
+                                 1.5,
+                                 2.0,
+                                 9.0,
+                                 10.0,
+                                 99.5,
+                                 1e11,
+                                 1e12,
+                                 1e15,
+                                 1e22,
+                                 1e280,
+                                 1.1e280,
+                                 1e-280,
+                                 9e-281,
+                                 1e-300,
+                                 1e300,
+                                 1e-11,
+                                 1e-12,
+                                 1e-320,
+                                 5e-324,
+                                 kNan,
+                                 kInfinity,
                                  std::numeric_limits<double>::max(),
                                  std::numeric_limits<double>::min(),
                                  std::numeric_limits<double>::epsilon(),
-                                 2147483647.0,    2147483648.0,    999999999999.0,
-                                 999999999999.5,  999999999999.4999, 0.999999999999,
-                                 0.9999999999995, 0.99999999999949999};
+                                 2147483647.0,
+                                 2147483648.0,
+                                 999999999999.0,
+                                 999999999999.5,
+                                 999999999999.4999,
+                                 0.999999999999,
+                                 0.9999999999995,
+                                 0.99999999999949999};
   const std::size_t plain = numbers.size();
   for (std::size_t i = 0; i < plain; ++i) {
     numbers.push_back(-numbers[i]);

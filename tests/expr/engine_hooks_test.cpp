@@ -74,28 +74,13 @@ TEST(LambdaValues, Count_their_owners) {
   EXPECT_EQ(KeepLambda(nullptr), nullptr);
 }
 
-TEST(PurePredicate, Has_operators_constants_and_its_own_parameters_only) {
-  for (const char* text : {"lambda(x, y, x > y)", "lambda(x, y, 1)", "lambda(x, x)",
-                           "lambda(x, y, LEN x * 2 > LEN y + 1 AND NOT x = y)"}) {
-    EXPECT_TRUE(IsPurePredicate(ValueOf(text).GetLambda())) << text;
-  }
-  for (const char* text :
-       {"lambda(x, y, f(x))", "lambda(x, y, (x := y))", "lambda(x, y, z > x)",
-        "lambda(x, y, {x} = y)", "lambda(x, y, x.length > 1)", "lambda(x, y, VAL x > VAL y)",
-        "lambda(x, y, x > abs(y))"}) {
-    EXPECT_FALSE(IsPurePredicate(ValueOf(text).GetLambda())) << text;
-  }
-  EXPECT_FALSE(IsPurePredicate(nullptr));
-  EXPECT_FALSE(IsPurePredicate(Number(1).get()));
-}
-
 TEST(FailedCalls, Are_shown_by_the_name_of_what_is_called) {
   const auto shown = [](const char* text) {
     String message;
     const Compiled compiled = Compile(text);
-    EXPECT_EQ(IxoMepError::MakeFunctionError(message, IMEPERR_WRONG_ARGUMENT_COUNT,
-                                             compiled.tree.get()),
-              23);
+    EXPECT_EQ(
+        IxoMepError::MakeFunctionError(message, IMEPERR_WRONG_ARGUMENT_COUNT, compiled.tree.get()),
+        23);
     return message;
   };
   const auto expected = [](const char* call) {

@@ -17,8 +17,8 @@ namespace {
 
 using Kind = IxoMepExprNodeType;
 
-IxoMepErrorEnum EvaluateInto(const char* text, IxoMepValueSet* scope, IxoMepValue*& slot, String& error,
-                    bool strict = false) {
+IxoMepErrorEnum EvaluateInto(const char* text, IxoMepValueSet* scope, IxoMepValue*& slot,
+                             String& error, bool strict = false) {
   const Compiled compiled = Compile(text);
   EXPECT_EQ(compiled.code, 0) << text;
   return compiled.tree->Evaluate(nullptr, scope, slot, error, strict);
@@ -236,9 +236,8 @@ TEST(NodeMembers, The_workers_evaluate_their_own_kind_of_node) {
   EXPECT_EQ(method.tree->EvaluateMethodCall(nullptr, &f.scope, f.slot, f.error, false), 0);
   EXPECT_EQ(ShownValue(f.slot), "string \"a\"");
   const Compiled property = Compile("\"abc\".length");
-  EXPECT_EQ(property.tree->EvaluateObjectSubscriptionCall(nullptr, &f.scope, f.slot, f.error,
-                                                          false),
-            0);
+  EXPECT_EQ(
+      property.tree->EvaluateObjectSubscriptionCall(nullptr, &f.scope, f.slot, f.error, false), 0);
   EXPECT_EQ(ShownValue(f.slot), "integer 3");
 }
 
@@ -248,9 +247,8 @@ TEST(NodeMembers, A_worker_given_another_kind_of_node_evaluates_it_as_what_it_is
   EXPECT_EQ(constant.tree->EvaluateOpCall(nullptr, &f.scope, f.slot, f.error, false), 0);
   EXPECT_EQ(constant.tree->EvaluateFunctionCall(nullptr, &f.scope, f.slot, f.error, false), 0);
   EXPECT_EQ(constant.tree->EvaluateMethodCall(nullptr, &f.scope, f.slot, f.error, false), 0);
-  EXPECT_EQ(constant.tree->EvaluateObjectSubscriptionCall(nullptr, &f.scope, f.slot, f.error,
-                                                          false),
-            0);
+  EXPECT_EQ(
+      constant.tree->EvaluateObjectSubscriptionCall(nullptr, &f.scope, f.slot, f.error, false), 0);
   EXPECT_EQ(ShownValue(f.slot), "integer 7");
 }
 
@@ -269,9 +267,8 @@ TEST(NodeMembers, Parameter_results_come_in_order_and_stop_at_the_first_failure)
   const Compiled failing = Compile("f(x := 4, 1 / 0, (z := 5))");
   EXPECT_EQ(failing.code, 14) << "an assignment as a parameter stands in parentheses";
   const Compiled stopping = Compile("f((x := 4), 1 / 0, (z := 5))");
-  EXPECT_EQ(stopping.tree->GetParamResults(nullptr, &f.scope, f.slot, second, third, f.error,
-                                           false),
-            18);
+  EXPECT_EQ(
+      stopping.tree->GetParamResults(nullptr, &f.scope, f.slot, second, third, f.error, false), 18);
   EXPECT_EQ(ShownValue(f.slot), "integer 4");
   EXPECT_EQ(second, nullptr);
   EXPECT_EQ(ShownVariable(f.scope, "z"), "null");

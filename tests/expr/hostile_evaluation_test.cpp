@@ -31,9 +31,8 @@ TEST_P(EndlessRecursion, Ends_with_38) {
   IxoMepValueSet scope;
   IxoMepValue object(IxoMepValueType::Object);
   object.MoveValue("again", new IxoMepValue(ValueOf("lambda(p, (o := p, 1 + o.again(p)))")));
-  object.MoveValue("sorting",
-                   new IxoMepValue(ValueOf("lambda(p, (o := p, a := {o, o}, "
-                                           "a.sort(lambda(x, y, x.sorting(x))), 1))")));
+  object.MoveValue("sorting", new IxoMepValue(ValueOf("lambda(p, (o := p, a := {o, o}, "
+                                                      "a.sort(lambda(x, y, x.sorting(x))), 1))")));
   Set(scope, "o", object);
   const Outcome outcome = Eval(GetParam(), &scope);
   EXPECT_EQ(outcome.code, 38) << outcome.ShownWithText();
@@ -58,7 +57,8 @@ TEST(DeepTexts, Nested_literals_read_by_val_end_with_a_code) {
   std::string text = "1";
   for (int i = 0; i < 12; ++i) {
     std::string escaped;
-    for (const char c : text) escaped += c == '"' || c == '\\' ? std::string("\\") + c : std::string(1, c);
+    for (const char c : text)
+      escaped += c == '"' || c == '\\' ? std::string("\\") + c : std::string(1, c);
     text = "(VAL \"" + escaped + "\")";
   }
   EXPECT_EQ(Shown(text), "integer 1");
@@ -129,36 +129,43 @@ TEST_P(PulledScopes, Nothing_that_was_freed_is_touched) {
     IxoMepValueSet scope;
     PullingParser parser(scope);
     const Outcome outcome = EvalWith(parser, GetParam().text, &scope);
-    EXPECT_EQ(outcome.Shown(), GetParam().outcome) << GetParam().text << "\n" << outcome.text.view();
+    EXPECT_EQ(outcome.Shown(), GetParam().outcome) << GetParam().text << "\n"
+                                                   << outcome.text.view();
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Places, PulledScopes,
-    testing::Values(
-        Pulled{"x := \"text\", x + STR clear()", "string \"text0\""},
-        Pulled{"x := {1, 2}, clear() IN x", "error 21"},
-        Pulled{"x := {1, 2}, x[clear()]", "integer 1"},
-        Pulled{"x := {{1, 2}, 3}, x[0][clear()]", "integer 1"},
-        Pulled{"x := {{1, 2}, 3}, x[clear(), clear() + 1]", "integer 2"},
-        Pulled{"x := {1, 2} , x SUB clear()", "integer 1"},
-        Pulled{"x := 1, x := clear(), x", "integer 0"},
-        Pulled{"x := {1, 2}, x[0] := clear()", "error 21"},
-        Pulled{"x := {1, 2}, x[clear()] := 5", "error 21"},
-        Pulled{"m := {1: 2}, m[1] := clear()", "error 21"},
-        Pulled{"x := \"abc\", x.copy(clear(), 2)", "error 20"},
-        Pulled{"x := {\"abc\"}, x[clear()].copy(0, 2)", "error 20"},
-        Pulled{"x := {{2, 1}}, x[0].sort(lambda(a, b, clear()))", "undefined"},
-        Pulled{"x := {3, 2, 1}, x.sort(lambda(a, b, (clear(), a < b))), x", "undefined"},
-        Pulled{"f := lambda(a, (clear(), a)), f(5)", "integer 5"},
-        Pulled{"f := lambda(a, b, a), f(5, clear())", "integer 5"},
-        Pulled{"f := lambda(a, lambda(b, b)), f(1)(clear())", "integer 0"},
-        Pulled{"s := \"abc\", {s, clear(), s}", "array {\"abc\", 0, (undefined)}"},
-        Pulled{"for(i, 1, 3, clear(), i)", "undefined"},
-        Pulled{"fortok(t, \"a,b,c\", \",\", clear(), t)", "undefined"},
-        Pulled{"x := 1, grow() + x", "integer 1"},
-        Pulled{"f := lambda(a, b, a + b), f(grow(), v7)", "integer 7"},
-        Pulled{"m := {1: {2, 3}}, m[1][1] := (grow(), 4), m", "map {1: {2, 4}}"}));
+    testing::Values(Pulled{"x := \"text\", x + STR clear()", "string \"text0\""},
+                    Pulled{"x := {1, 2}, clear() IN x", "error 21"},
+                    Pulled{"x := {1, 2}, x[clear()]", "integer 1"},
+                    Pulled{"x := {{1, 2}, 3}, x[0][clear()]", "integer 1"},
+                    Pulled{"x := {{1, 2}, 3}, x[clear(), clear() + 1]", "integer 2"},
+                    Pulled{"x := {1, 2} , x SUB clear()", "integer 1"},
+                    Pulled{"x := 1, x := clear(), x", "integer 0"},
+                    Pulled{"x := {1, 2}, x[0] := clear()", "error 21"},
+                    Pulled{"x := {1}, aappend(x, clear())", "error 39"},
+                    Pulled{"x := {1}, ainsert(x, clear(), 2)", "error 39"},
+                    Pulled{"x := {1}, aerase(x, clear())", "error 39"},
+                    Pulled{"x := {1}, areplace(x, 0, clear())", "error 39"},
+                    Pulled{"x := {1}, asinsert(x, clear())", "error 39"},
+                    Pulled{"x := {1: 2}, merase(x, clear())", "error 39"},
+                    Pulled{"x := {1, 2}, x[clear()] := 5", "error 21"},
+                    Pulled{"m := {1: 2}, m[1] := clear()", "error 21"},
+                    Pulled{"x := \"abc\", x.copy(clear(), 2)", "error 20"},
+                    Pulled{"x := {\"abc\"}, x[clear()].copy(0, 2)", "error 20"},
+                    Pulled{"x := {{2, 1}}, x[0].sort(lambda(a, b, clear()))", "undefined"},
+                    Pulled{"x := {3, 2, 1}, x.sort(lambda(a, b, (clear(), a < b))), x",
+                           "undefined"},
+                    Pulled{"f := lambda(a, (clear(), a)), f(5)", "integer 5"},
+                    Pulled{"f := lambda(a, b, a), f(5, clear())", "integer 5"},
+                    Pulled{"f := lambda(a, lambda(b, b)), f(1)(clear())", "integer 0"},
+                    Pulled{"s := \"abc\", {s, clear(), s}", "array {\"abc\", 0, (undefined)}"},
+                    Pulled{"for(i, 1, 3, clear(), i)", "undefined"},
+                    Pulled{"fortok(t, \"a,b,c\", \",\", clear(), t)", "undefined"},
+                    Pulled{"x := 1, grow() + x", "integer 1"},
+                    Pulled{"f := lambda(a, b, a + b), f(grow(), v7)", "integer 7"},
+                    Pulled{"m := {1: {2, 3}}, m[1][1] := (grow(), 4), m", "map {1: {2, 4}}"}));
 
 TEST(PulledScopes, An_object_method_loses_its_receiver_and_arguments) {
   IxoMepValueSet scope;
@@ -177,11 +184,10 @@ TEST(PulledObjects, A_method_may_replace_the_property_whose_list_is_being_sorted
   IxoMepObject* const object = Variable(scope, "o")->GetObject();
   object->MoveValue("wipe", new IxoMepValue(ValueOf("lambda(p, (p.list := 0))")));
   object->MoveValue("list", new IxoMepValue(0));
-  EXPECT_EQ(Shown("o.list := {{o, o}, 1}, o.list[0].sort(lambda(x, y, (x.wipe(x), 1))), o.list",
-                  &scope),
-            "integer 0");
-  EXPECT_EQ(Shown("o.list := {o, o, o}, o.list.sort(lambda(x, y, (x.wipe(x), 1))), o.list",
-                  &scope),
+  EXPECT_EQ(
+      Shown("o.list := {{o, o}, 1}, o.list[0].sort(lambda(x, y, (x.wipe(x), 1))), o.list", &scope),
+      "integer 0");
+  EXPECT_EQ(Shown("o.list := {o, o, o}, o.list.sort(lambda(x, y, (x.wipe(x), 1))), o.list", &scope),
             "integer 0");
 }
 
@@ -225,7 +231,8 @@ TEST(Memory, A_text_that_doubles_itself_ends_with_37) {
 
 TEST(Memory, An_array_that_doubles_itself_ends_with_a_code) {
   const ScopedMemoryLimit limit(20000000);
-  const Outcome outcome = Eval("a := {1}, while(1, (b := a, for(i, 0, LEN b - 1, aappend(a, b[i]))))");
+  const Outcome outcome =
+      Eval("a := {1}, while(1, (b := a, for(i, 0, LEN b - 1, aappend(a, b[i]))))");
   EXPECT_TRUE(outcome.code == 37 || outcome.code == 38) << outcome.ShownWithText();
 }
 

@@ -102,8 +102,7 @@ TEST(LambdaCall, An_argument_may_replace_the_lambda_that_is_being_called) {
 TEST(LambdaCall, EvaluateLambda_calls_with_the_nodes_parameters) {
   IxoMepValueSet scope;
   const Compiled call = Compile("ignored(20, 1)");
-  const NodePtr lambda =
-      LambdaOf("a,b", Binary(IxoMepExprNodeType::Plus, Name("a"), Name("b")));
+  const NodePtr lambda = LambdaOf("a,b", Binary(IxoMepExprNodeType::Plus, Name("a"), Name("b")));
   IxoMepValue* slot = nullptr;
   String error;
   EXPECT_EQ(call.tree->EvaluateLambda(lambda.get(), nullptr, &scope, slot, error, false), 0);

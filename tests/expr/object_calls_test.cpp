@@ -166,34 +166,37 @@ TEST_F(ObjectCalls, An_argument_that_is_missing_from_the_list_stays_unbound) {
 // --- Native methods -----------------------------------------------------------------------------
 
 TEST_F(ObjectCalls, A_native_method_gets_object_arguments_and_slot) {
-  object->SetNativeMethod("add", [this](IxoMepObject* self, const IxoMepValueList& args,
-                                        IxoMepValue*& result, String&) -> long {
-    EXPECT_EQ(self, object);
-    EXPECT_EQ(args.size(), 2u);
-    EXPECT_EQ(args[0], Variable(scope, "x")) << "the variable's value itself";
-    args[0]->SetInt(args[0]->GetInt() + args[1]->GetInt());
-    result = new IxoMepValue("done");
-    return 0;
-  });
+  object->SetNativeMethod("add",
+                          [this](IxoMepObject* self, const IxoMepValueList& args,
+                                 IxoMepValue*& result, String&) -> long {
+                            EXPECT_EQ(self, object);
+                            EXPECT_EQ(args.size(), 2u);
+                            EXPECT_EQ(args[0], Variable(scope, "x"))
+                                << "the variable's value itself";
+                            args[0]->SetInt(args[0]->GetInt() + args[1]->GetInt());
+                            result = new IxoMepValue("done");
+                            return 0;
+                          });
   EXPECT_EQ(Shown("x := 1, {o.add(x, 41), x}", &scope), "array {\"done\", 42}");
 }
 
 TEST_F(ObjectCalls, A_native_methods_code_and_text_are_returned) {
-  object->SetNativeMethod("fail", [](IxoMepObject*, const IxoMepValueList&, IxoMepValue*& result,
-                                     String& text) -> long {
-    result = new IxoMepValue("left behind");
-    text = "native";
-    return 32;
-  });
+  object->SetNativeMethod(
+      "fail",
+      [](IxoMepObject*, const IxoMepValueList&, IxoMepValue*& result, String& text) -> long {
+        result = new IxoMepValue("left behind");
+        text = "native";
+        return 32;
+      });
   EXPECT_EQ(Eval("o.fail()", &scope).ShownWithText(), "error 32: native");
 }
 
 TEST_F(ObjectCalls, A_property_comes_before_a_native_method_of_its_name) {
-  object->SetNativeMethod("f", [](IxoMepObject*, const IxoMepValueList&, IxoMepValue*& result,
-                                  String&) -> long {
-    result = new IxoMepValue("native");
-    return 0;
-  });
+  object->SetNativeMethod(
+      "f", [](IxoMepObject*, const IxoMepValueList&, IxoMepValue*& result, String&) -> long {
+        result = new IxoMepValue("native");
+        return 0;
+      });
   EXPECT_EQ(Shown("o.f()", &scope), "string \"native\"");
   AddMethod("f", "lambda(\"lambda\")");
   EXPECT_EQ(Shown("o.f()", &scope), "string \"lambda\"");
@@ -207,13 +210,13 @@ TEST_F(ObjectCalls, An_empty_native_method_is_unknown) {
 }
 
 TEST_F(ObjectCalls, A_native_method_may_replace_itself_while_it_runs) {
-  object->SetNativeMethod("f", [big = std::string(100, 'x')](
-                                   IxoMepObject* self, const IxoMepValueList&,
-                                   IxoMepValue*& result, String&) -> long {
-    self->SetNativeMethod("f", nullptr);
-    result = new IxoMepValue(String(big));
-    return 0;
-  });
+  object->SetNativeMethod("f",
+                          [big = std::string(100, 'x')](IxoMepObject* self, const IxoMepValueList&,
+                                                        IxoMepValue*& result, String&) -> long {
+                            self->SetNativeMethod("f", nullptr);
+                            result = new IxoMepValue(String(big));
+                            return 0;
+                          });
   EXPECT_EQ(Shown("LEN o.f()", &scope), "integer 100");
 }
 
@@ -278,8 +281,7 @@ TEST(Predicate, Reads_its_result_as_an_integer_greater_than_zero) {
 TEST(Predicate, Has_a_scope_without_a_parent_and_copies_of_the_elements) {
   EXPECT_EQ(Shown("v := 5, a := {2, 1}, f := eval(\"lambda(x, y, w > 0)\"), w := 1, a.sort(f), a"),
             "error 21");
-  EXPECT_EQ(Shown("a := {{1}, {2}}, a.sort(lambda(x, y, (x[0] := 9, 0))), a"),
-            "array {{1}, {2}}");
+  EXPECT_EQ(Shown("a := {{1}, {2}}, a.sort(lambda(x, y, (x[0] := 9, 0))), a"), "array {{1}, {2}}");
 }
 
 TEST(Predicate, Passes_its_failure_on) {

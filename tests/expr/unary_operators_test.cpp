@@ -87,9 +87,9 @@ std::string ExpectedResult(Kind kind, const std::string& operand) {
   }
 }
 
-constexpr Kind kKinds[] = {Kind::Minus, Kind::Str,   Kind::Val, Kind::Len,   Kind::Not,  Kind::Asc,
-                           Kind::Chr,   Kind::Int,   Kind::Real, Kind::Round, Kind::Floor,
-                           Kind::Ceil,  Kind::Cm,    Kind::Pt,  Kind::Cms,   Kind::Pts};
+constexpr Kind kKinds[] = {Kind::Minus, Kind::Str, Kind::Val,  Kind::Len,   Kind::Not,   Kind::Asc,
+                           Kind::Chr,   Kind::Int, Kind::Real, Kind::Round, Kind::Floor, Kind::Ceil,
+                           Kind::Cm,    Kind::Pt,  Kind::Cms,  Kind::Pts};
 
 TEST(UnaryOperators, Every_operator_accepts_its_types_and_no_other) {
   Samples samples;
@@ -104,8 +104,7 @@ TEST(UnaryOperators, Every_operator_accepts_its_types_and_no_other) {
       const std::string expected = ExpectedResult(kind, sample.name);
       if (expected.empty()) {
         EXPECT_EQ(code, 21) << shown;
-        EXPECT_EQ(text,
-                  IxoMepError::MakeFunctionError(IMEPERR_WRONG_TYPE, name, &sample.value))
+        EXPECT_EQ(text, IxoMepError::MakeFunctionError(IMEPERR_WRONG_TYPE, name, &sample.value))
             << shown;
       } else {
         EXPECT_EQ(code, 0) << shown;

@@ -104,6 +104,18 @@ class CheckHouse(unittest.TestCase):
     def test_a_listed_header_that_does_not_exist_is_named(self):
         self.assert_names({"ixomep/values/b.h": None}, "names ixomep/values/b.h, which does not exist")
 
+    def test_a_type_defined_in_two_headers_is_named(self):
+        self.assert_names(
+            {"ixomep/values/b.h": "// B.\n#pragma once\nclass IXOMEP_API Node : public Base {\n};\n",
+             "ixomep/values/c.h": "// Internal: C.\n#pragma once\nstruct Node {\n};\n"},
+            "ixomep/values/c.h: defines Node, as ixomep/values/b.h does")
+
+    def test_a_type_that_is_only_declared_again_passes(self):
+        status, output = check(
+            {"ixomep/values/b.h": "// B.\n#pragma once\nclass Node;\n",
+             "ixomep/values/c.h": "// Internal: C.\n#pragma once\nstruct Node {\n};\n"})
+        self.assertEqual(status, 0, output)
+
     def test_a_file_that_the_map_leaves_out_is_named(self):
         self.assert_names({"ixomep/values/f.cpp": "// F.\n"},
                           "docs/architecture.md: does not name ixomep/values/f.cpp")

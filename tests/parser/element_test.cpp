@@ -181,6 +181,18 @@ TEST(Statement, At_the_start_of_a_line_only) {
   ExpectError("A x := 1;", IMEPERR_UNEXPECTED_CHARACTER, {{"%c", ":"}}, 0);
 }
 
+TEST(Statement, Not_behind_an_attribute_that_ends_on_another_line) {
+  EXPECT_EQ(Definition("A\nb: (1\n+ 2) x := 1;").code, IMEPERR_UNEXPECTED_CHARACTER);
+}
+
+TEST(Statement, Not_behind_a_body) {
+  EXPECT_EQ(Definition("A { B\n} x := 1;").code, IMEPERR_UNEXPECTED_CHARACTER);
+}
+
+TEST(Statement, Not_behind_a_line_feed_inside_a_block_comment) {
+  EXPECT_EQ(Definition("A (* \n *) x := 1;").code, IMEPERR_UNEXPECTED_CHARACTER);
+}
+
 TEST(Statement, Spans_lines_inside_braces_only) {
   EXPECT_EQ(Definition("f({\n1,\n2});\nA").code, IMEPERR_NONE);
   EXPECT_EQ(Definition("f({\n1,\n2});\nA").Element(1).GetLine(), 4);

@@ -1,6 +1,8 @@
 // The life of a parser: constructors, Parse and Parse again, SetText, lines, the factories.
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 #include <limits>
 #include <memory>
 #include <string>
@@ -128,6 +130,26 @@ TEST(Parse, Again_on_a_body_appends_too) {
   ASSERT_NE(body, nullptr);
   EXPECT_EQ(body->Parse(), IMEPERR_NONE);
   EXPECT_EQ(Shape(*body), "C b=1; C");
+}
+
+static_assert(std::has_virtual_destructor_v<IxoMepParser>);
+static_assert(std::has_virtual_destructor_v<IxoMepElement>);
+static_assert(std::has_virtual_destructor_v<IxoMepAttribute>);
+
+TEST(Construction, Takes_a_text_alone) {
+  IxoMepParser parser("A b: 1");
+  EXPECT_EQ(parser.Parse(), IMEPERR_NONE);
+  EXPECT_EQ(parser.GetContext(), "");
+}
+
+TEST(SetText, Takes_a_text_that_belongs_to_its_own_elements) {
+  IxoMepParser parser("K { A 1 } \n");
+  ASSERT_EQ(parser.Parse(), IMEPERR_NONE);
+  parser.SetText(parser.GetBodyParser()->GetCompleteText());
+  EXPECT_EQ(parser.GetCompleteText(), "K { A 1 } \n");
+  ASSERT_EQ(parser.Parse(), IMEPERR_NONE);
+  parser.SetText(parser.GetElement(0)->GetKeyword());
+  EXPECT_EQ(parser.GetCompleteText(), "K");
 }
 
 TEST(SetText, Starts_anew) {

@@ -80,8 +80,8 @@ void CheckLanguageCase(const LanguageCase& language_case) {
       if (parser.GetTree() == nullptr) round = 3;  // a text that does not compile
     } else {
       IxoMepValue* slot = nullptr;
-      outcome.code = parser.Evaluate(&scope, slot, outcome.text,
-                                     language_case.mode == Mode::Strict, /*ownScope=*/false);
+      outcome.code = parser.Evaluate(&scope, slot, outcome.text, language_case.mode == Mode::Strict,
+                                     /*ownScope=*/false);
       outcome.value.reset(slot);
     }
     EXPECT_TRUE(Agrees(outcome, language_case.expected))

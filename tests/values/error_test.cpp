@@ -19,6 +19,22 @@ bool IsWithoutText(int code) {
   return false;
 }
 
+TEST(Codes, May_be_plain_numbers) {
+  const IxoMepValue value("text");
+  IxoMepValue argument(1);
+  const IxoMepValueList list = {&argument};
+  EXPECT_EQ(IxoMepError::GetErrorText(44), "");
+  EXPECT_EQ(IxoMepError::GetErrorText(-1), "");
+  EXPECT_EQ(IxoMepError::GetErrorText(18), IxoMepError::GetErrorText(IMEPERR_DIVISION_BY_ZERO));
+  EXPECT_EQ(IxoMepError::MakeFunctionError(21, "_abs", &value),
+            IxoMepError::MakeFunctionError(IMEPERR_WRONG_TYPE, "_abs", &value));
+  EXPECT_EQ(IxoMepError::MakeFunctionError(21, "_abs", list),
+            IxoMepError::MakeFunctionError(IMEPERR_WRONG_TYPE, "_abs", list));
+  String text;
+  EXPECT_EQ(IxoMepError::MakeFunctionError(text, 21, "_abs", list), IMEPERR_WRONG_TYPE);
+  EXPECT_NE(text.Search("_abs(integer)"), String::kNotFound);
+}
+
 TEST(ErrorTexts, Each_code_has_the_text_of_its_resource) {
   int texts = 0;
   for (int code = 0; code <= 43; ++code) {
