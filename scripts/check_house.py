@@ -10,6 +10,7 @@ Prints one line for each breach and exits with 1 when there is any. The rules:
   * a public header (cmake/PublicHeaders.cmake) includes public headers only, and exists;
   * a source file has at most MAX_LINES lines and opens with a comment, which in an internal
     header begins with the word Internal; a header has #pragma once;
+  * no type of ixomep/ is defined under one name in two headers, which no linker would notice;
   * docs/architecture.md names every file of ixomep/ and no other.
 """
 import pathlib
@@ -44,6 +45,9 @@ PORTABLE = re.compile(r"pcre2\.h|nettle/\w+\.h|dirent\.h|fcntl\.h|unistd\.h|pthr
 EXPORT_MARK = "ixomep/export.h"
 
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"\n]+)[>"]', re.MULTILINE)
+# a type defined at the outermost level or directly in a namespace
+TYPE = re.compile(r"^(?:template <[^>]*>\n?)?(?:struct|class|enum class|union) (?:IXOMEP_API )?(\w+)"
+                  r"(?: final)?(?: : [^;{]*)? \{", re.MULTILINE)
 SOURCE_FOLDERS = ("ixomep", "tools", "tests", "bench", "fuzz", "examples", "scripts")
 
 
@@ -170,6 +174,16 @@ def check_circles(tree, graph):
                 work.append((target, iter(graph[target])))
 
 
+def check_types_are_defined_once(tree):
+    defined = {}
+    for name, text in tree.library.items():
+        if name.endswith(".h"):
+            for type_name in TYPE.findall(text):
+                if type_name in defined:
+                    tree.breach(name, f"defines {type_name}, as {defined[type_name]} does")
+                defined.setdefault(type_name, name)
+
+
 def check_public_headers_exist(tree):
     for name in sorted(tree.public - set(tree.library)):
         tree.breach("cmake/PublicHeaders.cmake", f"names {name}, which does not exist")
@@ -198,6 +212,7 @@ def main():
     graph = check_includes(tree)
     check_tools_use_public_headers(tree)
     check_circles(tree, graph)
+    check_types_are_defined_once(tree)
     check_public_headers_exist(tree)
     check_map(tree)
     for line in tree.breaches:

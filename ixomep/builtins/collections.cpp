@@ -75,6 +75,7 @@ IxoMepErrorEnum CurlyColon(Call& call) {
     if (const IxoMepErrorEnum code = EvaluateElements(call, pairs)) return code;
     IxoMepValue map;
     if (!ValueAccess::MakeMap(map, std::move(pairs))) {
+      // NOLINTNEXTLINE(bugprone-use-after-move): a failure leaves the pairs alone
       return call.WrongTypes(call.Name(), pairs.View());
     }
     return call.Return(std::move(map));

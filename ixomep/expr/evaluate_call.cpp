@@ -47,7 +47,8 @@ IxoMepErrorEnum CallHook(const IxoMepExprNode& call, const char* name, Frame& fr
 // is visible: then it need not be asked.
 bool HookMayKnow(const char* name, const Frame& frame) {
   static const char* const kLineNumber = Intern("curlineno");
-  return name == kLineNumber || typeid(ParserOf(frame)) != typeid(IxoMepExpressionParser);
+  const IxoMepExpressionParser& parser = ParserOf(frame);
+  return name == kLineNumber || typeid(parser) != typeid(IxoMepExpressionParser);
 }
 
 const IxoMepValue* FindVariable(const char* name, const Frame& frame) noexcept {

@@ -75,7 +75,8 @@ IxoMepExpressionParser* IxoMepParser::NewExprParser() {
 }
 
 void IxoMepParser::SetText(const String& text) {
-  const String taken = text;  // it may belong to an element that goes
+  // It may belong to an element that goes.
+  const String taken = text;  // NOLINT(performance-unnecessary-copy-initialization)
   SetCurrent(nullptr, -1);
   elements_.clear();
   loose_.reset();
