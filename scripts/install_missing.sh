@@ -8,8 +8,7 @@ set -euo pipefail
 build_needs="g++:g++ cmake:cmake ninja-build:ninja ccache:ccache pkg-config:pkg-config
   binutils:readelf dpkg-dev:dpkg-shlibdeps file:file python3:python3
   libpcre2-dev:<pcre2.h> nettle-dev:<nettle/des.h>
-  libgtest-dev:<gtest/gtest.h> libpugixml-dev:<pugixml.hpp> libcli11-dev:<CLI/CLI.hpp>
-  libedit-dev:<histedit.h> nlohmann-json3-dev:<nlohmann/json.hpp>"
+  libgtest-dev:<gtest/gtest.h> libpugixml-dev:<pugixml.hpp> libcli11-dev:<CLI/CLI.hpp>"
 lint_needs="clang-format:clang-format clang-tidy:clang-tidy cppcheck:cppcheck git:git"
 bench_needs="libbenchmark-dev:<benchmark/benchmark.h>"
 

@@ -168,7 +168,7 @@ IxoMepErrorEnum RunHandler(const BuiltinRow& row, const IxoMepExprNode& node,
   } catch (const std::length_error&) {
     code = Raise(text, IMEPERR_TOO_LONG);
   }
-  if (code != IMEPERR_NONE) FailSlot(result);
+  if (code != IMEPERR_NONE) FailResult(result, scope);
   return code;
 }
 

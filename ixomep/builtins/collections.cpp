@@ -109,6 +109,7 @@ IxoMepErrorEnum MErase(Call& call) {
   if (map->GetType() != IxoMepValueType::Map) return call.WrongTypes(call.Name(), {map});
   IxoMepValue key;
   if (const IxoMepErrorEnum code = call.Evaluate(1, key)) return code;
+  ReplaceReference(key);
   // The key may have replaced the map, foreign code in it emptied the scope.
   IxoMepValue* const now = FindVariable(call, target);
   if (now == nullptr) return CheckVariable(call, target, "aerase");

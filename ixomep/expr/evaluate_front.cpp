@@ -7,6 +7,7 @@
 #include "ixomep/expr/unary_operators.h"
 #include "ixomep/values/error.h"
 
+using ixomep::FailResult;
 using ixomep::Frame;
 using ixomep::Guarded;
 using Kind = IxoMepExprNodeType;
@@ -14,15 +15,6 @@ using Kind = IxoMepExprNodeType;
 std::int32_t IxoMepExprNode::m_nCallDepth = 0;
 
 namespace {
-
-// A failure destroys the value in the slot, unless it is a variable, which its scope destroys.
-void FailResult(IxoMepValue*& slot, const IxoMepValueSet* scope) noexcept {
-  if (slot != nullptr && scope != nullptr && scope->Owns(slot)) {
-    slot = nullptr;
-  } else {
-    ixomep::FailSlot(slot);
-  }
-}
 
 using Worker = IxoMepErrorEnum(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out);
 
@@ -67,6 +59,14 @@ IxoMepErrorEnum LendPlace(const IxoMepExprNode& node, const IxoMepExpressionPars
 }
 
 }  // namespace
+
+void ixomep::FailResult(IxoMepValue*& slot, const IxoMepValueSet* scope) noexcept {
+  if (slot != nullptr && scope != nullptr && scope->Owns(slot)) {
+    slot = nullptr;
+  } else {
+    FailSlot(slot);
+  }
+}
 
 IxoMepErrorEnum IxoMepExprNode::Evaluate(const IxoMepExpressionParser* parser,
                                          IxoMepValueSet* scope, IxoMepValue*& result,

@@ -42,6 +42,10 @@ inline IxoMepErrorEnum EvaluateOperand(const IxoMepExprNode& node, Frame& frame,
   return code;
 }
 
+// The rule for failures at the border: the value in the slot is destroyed and the slot nulled; a
+// variable of the scope is left to the scope (evaluate_front.cpp).
+void FailResult(IxoMepValue*& slot, const IxoMepValueSet* scope) noexcept;
+
 // Can evaluating this node change nothing and call nobody (a constant or a name)? Then a value
 // borrowed from a variable before it is still what it was.
 inline bool IsInert(const IxoMepExprNode& node) noexcept {

@@ -21,10 +21,10 @@ class IxoMepValueSet;
 namespace ixomep {
 struct NodeAccess;
 // Hash and equality of the built-in table: over the text of the name.
-struct FunctionNameHash {
+struct IXOMEP_API FunctionNameHash {
   std::size_t operator()(const char* name) const noexcept;
 };
-struct FunctionNameEqual {
+struct IXOMEP_API FunctionNameEqual {
   bool operator()(const char* a, const char* b) const noexcept;
 };
 }  // namespace ixomep

@@ -68,6 +68,15 @@ TEST(Handler, Destroys_the_value_of_the_caller_on_failure) {
   }
 }
 
+TEST(Handler, Leaves_a_variable_in_the_slot_to_its_scope_on_failure) {
+  DirectCall call("tokcnt(1)");
+  call.scope().OldSetValue("x", IxoMepValue("kept"), true);
+  IxoMepValue* slot = call.scope().OldGetLValue("x");
+  EXPECT_EQ(call.Run(slot), IMEPERR_WRONG_TYPE);
+  EXPECT_EQ(slot, nullptr);
+  EXPECT_EQ(call.scope().OldGetValue("x")->GetStr(), "kept");
+}
+
 TEST(Handler, Leaves_the_slot_as_it_was_when_there_is_no_result) {
   DirectCall call("while(0, 1)");
   IxoMepValue* slot = nullptr;
