@@ -4,6 +4,7 @@
 #include "ixomep/expr/binary_operators.h"
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/guarded.h"
+#include "ixomep/expr/program.h"
 #include "ixomep/expr/unary_operators.h"
 #include "ixomep/values/error.h"
 
@@ -67,6 +68,12 @@ IxoMepErrorEnum LendPlace(const IxoMepExprNode& node, const IxoMepExpressionPars
 }
 
 }  // namespace
+
+IxoMepErrorEnum ixomep::EvaluateToSlot(const IxoMepExprNode& root,
+                                       const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
+                                       IxoMepValue*& result, String& text, bool strict) {
+  return RunWorker(ixomep::EvaluateTree, root, parser, scope, result, text, strict);
+}
 
 IxoMepErrorEnum IxoMepExprNode::Evaluate(const IxoMepExpressionParser* parser,
                                          IxoMepValueSet* scope, IxoMepValue*& result,
