@@ -60,7 +60,7 @@ class FormulaScript : public Script {
 
  private:
   std::deque<mup::Value> values_;
-  mup::ParserX parser_;
+  mup::ParserX parser_{mup::pckCOMMON | mup::pckNON_COMPLEX | mup::pckSTRING};
   const mup::IValue* result_ = nullptr;
 };
 

@@ -34,7 +34,10 @@ IxoMepErrorEnum RunWorker(Worker& worker, const IxoMepExprNode& node,
   const IxoMepErrorEnum code = Guarded(text, [&] {
     IxoMepValue value;
     const IxoMepErrorEnum worker_code = worker(node, frame, value);
-    if (worker_code == IMEPERR_NONE && !frame.no_result) {
+    if (worker_code != IMEPERR_NONE || frame.no_result) return worker_code;
+    if (result != nullptr && ixomep::IsScalar(value)) {
+      ixomep::StoreScalar(*result, value.GetType(), ixomep::ValueAccess::Bits(value));
+    } else {
       ixomep::StoreResult(result, std::move(value));
     }
     return worker_code;

@@ -16,10 +16,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <typeinfo>
 #include <vector>
 
 #include "ixomep/expr/evaluator.h"
+#include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/node.h"
+#include "ixomep/expr/scalar.h"
 #include "ixomep/expr/value_set.h"
 #include "ixomep/values/value_rep.h"
 
@@ -36,7 +39,6 @@ inline constexpr std::int64_t kTagUndefined = 0;
 inline constexpr std::int64_t kTagString = 1;
 inline constexpr std::int64_t kTagInteger = 2;
 inline constexpr std::int64_t kTagReal = 3;
-inline constexpr std::int64_t kTagTime = 5;
 inline constexpr std::int64_t kTagFailed = -1;  // Run::code and the error text say why
 inline constexpr std::int64_t kTagUnset = -2;   // success without a result
 
@@ -50,8 +52,6 @@ inline bool IsNumber(Reg r) noexcept { return r.tag == kTagInteger || r.tag == k
 inline double NumberOf(Reg r) noexcept {
   return r.tag == kTagInteger ? static_cast<double>(IntegerOf(r)) : RealOf(r);
 }
-// Integer, Real, Measure, Time: nothing to own.
-inline bool IsScalar(std::int64_t tag) noexcept { return tag >= kTagInteger && tag <= kTagTime; }
 
 inline IxoMepValue OwnedValue(Reg r) noexcept {
   if (r.tag < 0) return IxoMepValue();
@@ -61,10 +61,11 @@ inline Reg RegOf(IxoMepValue&& value) noexcept {
   const auto tag = static_cast<std::int64_t>(value.GetType());
   return {tag, ValueAccess::TakeBits(value)};
 }
+// Out of line, so that operations on numbers stay small.
+[[gnu::noinline]] Reg CopyOfOwner(const IxoMepValue& value);
 inline Reg CopyOf(const IxoMepValue& value) {
   const auto tag = static_cast<std::int64_t>(value.GetType());
-  if (IsScalar(tag)) return {tag, ValueAccess::Bits(value)};
-  return RegOf(IxoMepValue(value));
+  return IsScalar(tag) ? Reg{tag, ValueAccess::Bits(value)} : CopyOfOwner(value);
 }
 inline void Drop(Reg r) noexcept {
   if (r.tag >= 0 && !IsScalar(r.tag)) OwnedValue(r);
@@ -89,7 +90,11 @@ class Run {
 
   // A root, or a lambda whose scope is there already: everything is in frame.scope.
   Run(Frame& frame, std::int32_t entry_depth) noexcept
-      : frame_(frame), lookup_(frame.scope), entry_depth_(entry_depth) {}
+      : frame_(frame),
+        lookup_(frame.scope),
+        entry_depth_(entry_depth),
+        has_plain_parser_(frame.parser == nullptr ||
+                          typeid(*frame.parser) == typeid(IxoMepExpressionParser)) {}
   // A lambda called from `caller` with its arguments, as many as it has parameters. frame is the
   // level's own; its scope counts only when the level has one.
   Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* arguments,
@@ -103,6 +108,8 @@ class Run {
   bool IsStrict() const noexcept { return frame_.strict; }
   String& Text() noexcept { return frame_.text; }
   const IxoMepExpressionParser* Parser() const noexcept { return frame_.parser; }
+  // Does no host answer calls? Then they need not be handed to one.
+  bool HasPlainParser() const noexcept { return has_plain_parser_; }
   std::int32_t EntryDepth() const noexcept { return entry_depth_; }
   // Makes the level's scope, and those of its callers, when they have none yet.
   Frame& RealFrame() {
@@ -134,13 +141,14 @@ class Run {
   const IxoMepValue* FindArgument(const char* name) const noexcept;
 
   Frame& frame_;
-  IxoMepValueSet* lookup_;             // the innermost scope that is there
-  std::uint64_t waiting_ = 0;          // names of arguments without a scope, here and above
-  Run* caller_ = nullptr;              // of a level that has no scope yet
+  IxoMepValueSet* lookup_;     // the innermost scope that is there
+  std::uint64_t waiting_ = 0;  // names of arguments without a scope, here and above
+  Run* caller_ = nullptr;      // of a level that has no scope yet
   const Program* lambda_ = nullptr;
-  IxoMepValue* arguments_ = nullptr;   // null when the level's variables are in frame_.scope
+  IxoMepValue* arguments_ = nullptr;  // null when the level's variables are in frame_.scope
   std::int32_t entry_depth_;
   bool owns_scope_ = false;
+  bool has_plain_parser_;
 };
 
 // Where the count of begun evaluations stands when a node's evaluation begins: at a number, or

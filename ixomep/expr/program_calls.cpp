@@ -3,7 +3,6 @@
 #include <array>
 #include <new>
 #include <stdexcept>
-#include <typeinfo>
 #include <utility>
 
 #include "ixomep/expr/node_ptr.h"
@@ -11,7 +10,6 @@
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/error.h"
-#include "ixomep/values/string_address_map.h"
 
 namespace ixomep {
 
@@ -57,7 +55,7 @@ bool RunUnwanted(const Op& op, Run& run) {
   return true;
 }
 
-IxoMepValue& FindOrCreate(IxoMepValueSet& scope, const NameRef& ref) {
+inline IxoMepValue& FindOrCreate(IxoMepValueSet& scope, const NameRef& ref) {
   IxoMepValue* const found = scope.FindInBucket(ref.bucket, ref.name);
   return found != nullptr ? *found : *scope.NewGetLValue(ref.name);
 }
@@ -66,9 +64,9 @@ IxoMepValue& TargetOf(IxoMepValue& variable) noexcept {
   return variable.GetType() == Type::Reference ? ValueAccess::Follow(variable) : variable;
 }
 
-// `x := x + e` for a text in x: it grows in place. False when x holds no text or e is none.
-bool AppendText(const AssignOp& op, IxoMepValue& variable, Run& run, Reg& result) {
-  if (variable.GetType() != Type::String) return false;
+// `x := x + e` for a text in x: it grows in place. False when e is none.
+[[gnu::noinline]] bool AppendText(const AssignOp& op, IxoMepValue& variable, Run& run,
+                                  Reg& result) {
   IxoMepValue storage;
   const IxoMepValue* const more = ReadOperand(op.appended->right, run, storage);
   result = kFailure;
@@ -88,6 +86,16 @@ bool AppendText(const AssignOp& op, IxoMepValue& variable, Run& run, Reg& result
   return true;
 }
 
+// Out of line, so that storing a number stays small.
+[[gnu::noinline]] Reg StoreOwner(const AssignOp& assign, IxoMepValueSet& scope, Reg r,
+                                 bool wanted) {
+  IxoMepValue value = OwnedValue(r);
+  ReplaceReference(value);
+  const Reg result = wanted ? CopyOf(value) : kNothing;
+  TargetOf(FindOrCreate(scope, assign.variable)) = std::move(value);
+  return result;
+}
+
 template <bool kWanted>
 Reg Assign(const Op& op, Run& run) {
   const auto& assign = As<AssignOp>(op);
@@ -96,34 +104,21 @@ Reg Assign(const Op& op, Run& run) {
   if (scope == nullptr) return RunPlainly(op, run);
   IxoMepValue* variable = &FindOrCreate(*scope, assign.variable);
   if constexpr (!kWanted) {
-    Reg result{};
-    if (assign.appended != nullptr && AppendText(assign, *variable, run, result)) return result;
+    if (assign.appended != nullptr && variable->GetType() == Type::String) {
+      Reg result{};
+      if (AppendText(assign, *variable, run, result)) return result;
+    }
   }
   const Reg r = (*assign.value)(run);
-  if (r.tag == kTagFailed) return r;
   if (IsScalar(r.tag)) {
     if (!assign.quiet) variable = &FindOrCreate(*scope, assign.variable);
-    ValueAccess::SetScalar(TargetOf(*variable), static_cast<Type>(r.tag), r.bits);
+    StoreScalar(TargetOf(*variable), static_cast<Type>(r.tag), r.bits);
     return r;
   }
-  IxoMepValue value = OwnedValue(r);
-  ReplaceReference(value);
-  const Reg result = kWanted ? CopyOf(value) : kNothing;
-  if (!assign.quiet) variable = &FindOrCreate(*scope, assign.variable);
-  TargetOf(*variable) = std::move(value);
-  return result;
+  return r.tag == kTagFailed ? r : StoreOwner(assign, *scope, r, kWanted);
 }
 
 // --- Calls --------------------------------------------------------------------------------------
-
-bool IsPlainParser(const Run& run) {
-  return run.Parser() == nullptr || typeid(*run.Parser()) == typeid(IxoMepExpressionParser);
-}
-
-bool IsLineNumber(const char* name) {
-  static const char* const line_number = Intern("curlineno");
-  return name == line_number;
-}
 
 Reg CallByProgram(const CallOp& call, const IxoMepExprNode& lambda, const Program& program,
                   Run& run) {
@@ -192,7 +187,8 @@ Run::Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* argument
       caller_(&caller),
       lambda_(&lambda),
       arguments_(arguments),
-      entry_depth_(entry_depth) {}
+      entry_depth_(entry_depth),
+      has_plain_parser_(caller.has_plain_parser_) {}
 
 const IxoMepValue* Run::FindArgument(const char* name) const noexcept {
   for (const Run* level = this; level != nullptr && level->arguments_ != nullptr;
@@ -273,8 +269,8 @@ Reg RunFor(const Op& op, Run& run) {
   // Wider than the language's integers, so that a last value of 2147483647 ends the loop.
   const std::int64_t last = IntegerOf(to);
   for (std::int64_t i = IntegerOf(from); i <= last; ++i) {
-    ValueAccess::SetInteger(TargetOf(FindOrCreate(*scope, loop.variable)),
-                            static_cast<std::int32_t>(i));
+    const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
+    StoreScalar(TargetOf(FindOrCreate(*scope, loop.variable)), Type::Integer, counter.bits);
     if (!RunUnwanted(*loop.body, run)) return kFailure;
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
@@ -315,9 +311,9 @@ Reg RunAppendOnly(const Op& op, Run& run) {
 
 Reg RunCall(const Op& op, Run& run) {
   const auto& call = As<CallOp>(op);
-  if (!IsPlainParser(run)) return CallHost(call, run);
+  if (!run.HasPlainParser()) return CallHost(call, run);
   const IxoMepValue* const callee = run.Find(call.callee);
-  if (callee == nullptr || callee->GetType() != Type::Lambda || IsLineNumber(call.callee.name)) {
+  if (callee == nullptr || callee->GetType() != Type::Lambda || call.is_line_number) {
     return RunPlainly(op, run);
   }
   return CallLambdaNode(call, *ValueAccess::Lambda(*callee), run);

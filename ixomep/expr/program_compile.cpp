@@ -211,8 +211,8 @@ class Compiler {
     op.variable = NameRef(target->GetNameAddress());
     op.value = Value(*source, depth.Inside());
     op.quiet = IsQuiet(*source);
-    const bool is_sum = source->GetType() == Kind::Plus && source->Left() != nullptr &&
-                        op.value->fn != &RunPlainly;
+    const bool is_sum =
+        source->GetType() == Kind::Plus && source->Left() != nullptr && op.value->fn != &RunPlainly;
     if (is_sum) {
       const auto* const sum = static_cast<const BinaryOp*>(op.value);
       if (sum->left.shape != Shape::General && sum->left.name.name == op.variable.name &&
@@ -288,9 +288,11 @@ class Compiler {
   }
 
   const Op* MakeUserCall(const IxoMepExprNode& node, SpineDepth depth, const char* name) {
+    static const char* const line_number = Intern("curlineno");
     auto& op = New<CallOp>(node, depth, &RunCall);
     op.callee = NameRef(name);
     op.name = String(name);
+    op.is_line_number = name == line_number;
     SpineDepth argument_depth = depth.Inside();
     for (const IxoMepExprNode* cell = node.Right(); cell != nullptr; cell = cell->Right()) {
       op.arguments.push_back(Value(*cell->Left(), argument_depth));

@@ -28,7 +28,7 @@ const T& As(const Op& op) noexcept {
 // --- Operands -----------------------------------------------------------------------------------
 
 // What a name that is bound nowhere reads as.
-Reg ReadAbsent(const Op& op, Run& run) {
+[[gnu::noinline]] Reg ReadAbsent(const Op& op, Run& run) {
   return run.IsStrict() ? RunPlainly(op, run) : Reg{kTagUndefined, 0};
 }
 
@@ -242,13 +242,16 @@ Reg ApplyPrefix(const Op& op, const IxoMepValue& operand, Run& run) {
   return Applied(code, std::move(out), run);
 }
 
+[[gnu::noinline]] Reg ApplyPrefix(const Op& op, Reg operand, Run& run) {
+  return ApplyPrefix(op, OwnedValue(operand), run);
+}
+
 template <Kind kKind>
 Reg RunNumberPrefix(const Op& op, Run& run) {
   const Reg operand = (*As<UnaryOp>(op).operand.op)(run);
   Reg result{};
   if (Compute<kKind>(operand, result)) return result;
-  if (operand.tag == kTagFailed) return operand;
-  return ApplyPrefix(op, OwnedValue(operand), run);
+  return operand.tag == kTagFailed ? operand : ApplyPrefix(op, operand, run);
 }
 
 Reg RunPrefix(const Op& op, Run& run) {
@@ -258,6 +261,8 @@ Reg RunPrefix(const Op& op, Run& run) {
 }
 
 }  // namespace
+
+Reg CopyOfOwner(const IxoMepValue& value) { return RegOf(IxoMepValue(value)); }
 
 const IxoMepValue* ReadOperand(const Operand& operand, Run& run, IxoMepValue& storage) {
   const IxoMepValue* found = nullptr;

@@ -14,11 +14,11 @@ enum class Shape : std::uint8_t { General, Variable, Argument, Number };
 
 struct Operand {
   Shape shape = Shape::General;
-  const Op* op = nullptr;       // always there: the operand as an operation of its own
-  NameRef name;                 // of a variable or argument
+  const Op* op = nullptr;  // always there: the operand as an operation of its own
+  NameRef name;            // of a variable or argument
   std::int32_t argument = 0;
   Reg number{0, 0};
-  bool quiet = false;           // evaluating it changes nothing and calls nobody
+  bool quiet = false;  // evaluating it changes nothing and calls nobody
 };
 
 struct ConstantOp : Op {
@@ -82,7 +82,7 @@ struct AppendOp : Op {
 struct CallOp : Op {
   NameRef callee;
   String name;
-  bool may_be_lambda = true;
+  bool is_line_number = false;  // the one name that every parser knows
   std::vector<const Op*> arguments;
 };
 

@@ -77,7 +77,11 @@ bool EvaluateByProgram(const IxoMepExprNode& keeper, Frame& frame, IxoMepValue& 
   const Reg result = (*program->root)(run);
   frame.no_result = result.tag == kTagUnset;
   code = result.tag == kTagFailed ? run.code : IMEPERR_NONE;
-  out = OwnedValue(result);
+  if (IsScalar(result.tag)) {
+    StoreScalar(out, static_cast<IxoMepValueType>(result.tag), result.bits);
+  } else {
+    out = OwnedValue(result);
+  }
   return true;
 }
 
