@@ -10,7 +10,9 @@ build_needs="g++:g++ cmake:cmake ninja-build:ninja ccache:ccache pkg-config:pkg-
   libpcre2-dev:<pcre2.h> nettle-dev:<nettle/des.h>
   libgtest-dev:<gtest/gtest.h> libpugixml-dev:<pugixml.hpp> libcli11-dev:<CLI/CLI.hpp>"
 lint_needs="clang-format:clang-format clang-tidy:clang-tidy cppcheck:cppcheck git:git"
-bench_needs="libbenchmark-dev:<benchmark/benchmark.h>"
+bench_needs="libbenchmark-dev:<benchmark/benchmark.h> liblua5.4-dev:<lua5.4/lua.h>
+  libluajit-5.1-dev:<luajit-2.1/lua.h> duktape-dev:<duktape.h>
+  libmuparserx-dev:<muparserx/mpParser.h>"
 
 case "${1:-}" in
   build) needs=$build_needs ;;

@@ -8,6 +8,7 @@
 #include "ixomep/expr/calling_parser.h"
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/node_ptr.h"
+#include "ixomep/expr/program.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/error.h"
 #include "ixomep/values/string_address_map.h"
@@ -65,19 +66,14 @@ IxoMepErrorEnum CallByName(const IxoMepExprNode& call, Frame& frame, IxoMepValue
   const char* const name = call.Left()->GetNameAddress();
   const BuiltinBody builtin = name != nullptr ? FindBuiltin(name) : nullptr;
   if (builtin != nullptr) return builtin(call, frame, out);
-  const IxoMepValue* variable = FindVariable(name, frame);
+  const IxoMepValue* const variable = FindVariable(name, frame);
   const bool is_lambda = variable != nullptr && variable->GetLambda() != nullptr;
   const String text = frame.text;
   if (!is_lambda || HookMayKnow(name, frame)) {
     const IxoMepErrorEnum code = CallHook(call, name, frame, out);
     if (code != IMEPERR_UNKNOWN_FUNCTION) return code;
-    variable = FindVariable(name, frame);
   }
-  const IxoMepValue& callee =
-      variable != nullptr ? ValueAccess::Follow(*variable) : *IxoMepValue::GetNull();
-  if (callee.GetType() == Type::Undefined) return IMEPERR_UNKNOWN_FUNCTION;
-  frame.text = text;  // without the hook's message
-  return CallValue(callee, call, frame, out);
+  return CallVariable(call, text, frame, out);
 }
 
 IxoMepErrorEnum CallResult(const IxoMepExprNode& call, Frame& frame, IxoMepValue& out) {
@@ -177,6 +173,16 @@ class Arguments {
 
 }  // namespace
 
+IxoMepErrorEnum CallVariable(const IxoMepExprNode& call, const String& text_before, Frame& frame,
+                             IxoMepValue& out) {
+  const IxoMepValue* const variable = FindVariable(call.Left()->GetNameAddress(), frame);
+  const IxoMepValue& callee =
+      variable != nullptr ? ValueAccess::Follow(*variable) : *IxoMepValue::GetNull();
+  if (callee.GetType() == Type::Undefined) return IMEPERR_UNKNOWN_FUNCTION;
+  frame.text = text_before;  // without the hook's message
+  return CallValue(callee, call, frame, out);
+}
+
 IxoMepErrorEnum EvaluateMethod(const IxoMepExprNode& call, Frame& frame, IxoMepValue& out) {
   const IxoMepExprNode& callee = *call.Left();
   const char* const method = MemberName(callee);
@@ -234,7 +240,7 @@ IxoMepErrorEnum CallLambda(const IxoMepExprNode& lambda, const IxoMepExprNode& c
     parameter = parameter->Left();
   }
   Frame inner = frame.In(scope.get());
-  const IxoMepErrorEnum code = Evaluate(*held->Right(), inner, out);
+  const IxoMepErrorEnum code = EvaluateBody(*held, inner, out);
   frame.no_result = inner.no_result;
   return code;
 }

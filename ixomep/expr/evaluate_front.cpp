@@ -4,6 +4,7 @@
 #include "ixomep/expr/binary_operators.h"
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/guarded.h"
+#include "ixomep/expr/program.h"
 #include "ixomep/expr/unary_operators.h"
 #include "ixomep/values/error.h"
 
@@ -25,7 +26,10 @@ IxoMepErrorEnum RunWorker(Worker& worker, const IxoMepExprNode& node,
   const IxoMepErrorEnum code = Guarded(text, [&] {
     IxoMepValue value;
     const IxoMepErrorEnum worker_code = worker(node, frame, value);
-    if (worker_code == IMEPERR_NONE && !frame.no_result) {
+    if (worker_code != IMEPERR_NONE || frame.no_result) return worker_code;
+    if (result != nullptr && ixomep::IsScalar(value)) {
+      ixomep::StoreScalar(*result, value.GetType(), ixomep::ValueAccess::Bits(value));
+    } else {
       ixomep::StoreResult(result, std::move(value));
     }
     return worker_code;
@@ -66,6 +70,12 @@ void ixomep::FailResult(IxoMepValue*& slot, const IxoMepValueSet* scope) noexcep
   } else {
     FailSlot(slot);
   }
+}
+
+IxoMepErrorEnum ixomep::EvaluateToSlot(const IxoMepExprNode& root,
+                                       const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
+                                       IxoMepValue*& result, String& text, bool strict) {
+  return RunWorker(ixomep::EvaluateTree, root, parser, scope, result, text, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::Evaluate(const IxoMepExpressionParser* parser,

@@ -153,6 +153,11 @@ IxoMepErrorEnum EvaluateMethod(const IxoMepExprNode& call, Frame& frame, IxoMepV
 IxoMepErrorEnum CallLambda(const IxoMepExprNode& lambda, const IxoMepExprNode& call, Frame& frame,
                            IxoMepValue& out);
 
+// Calls the variable that the call names, once the hook has answered 22 for it. An undefined one
+// keeps that code and the hook's text.
+IxoMepErrorEnum CallVariable(const IxoMepExprNode& call, const String& text_before, Frame& frame,
+                             IxoMepValue& out);
+
 // The operators on values (binary_operators.cpp, unary_operators.cpp). Results replace the right
 // and the only operand; on failure these are unspecified but valid.
 IxoMepErrorEnum ApplyBinary(IxoMepExprNodeType kind, const IxoMepValue& left, IxoMepValue& right,

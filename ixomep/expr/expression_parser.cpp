@@ -10,6 +10,7 @@
 #include "ixomep/expr/guarded.h"
 #include "ixomep/expr/node_ptr.h"
 #include "ixomep/expr/parse.h"
+#include "ixomep/expr/program.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/error.h"
 #include "ixomep/values/string_address_map.h"
@@ -86,9 +87,11 @@ IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepVa
   IxoMepExprNode::m_nCallDepth = 0;
   const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
     const NodePtr held = NodePtr::Share(tree_);  // a hook may give this object another tree
-    if (!ownScope) return held->Evaluate(this, scope, result, errorText, strict);
+    if (!ownScope) {
+      return ixomep::EvaluateToSlot(*held, this, scope, result, errorText, strict);
+    }
     const ixomep::PooledScope own(scope);
-    return held->Evaluate(this, own.get(), result, errorText, strict);
+    return ixomep::EvaluateToSlot(*held, this, own.get(), result, errorText, strict);
   });
   if (code != IMEPERR_NONE) ixomep::FailSlot(result);
   return code;

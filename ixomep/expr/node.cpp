@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "ixomep/expr/node_ptr.h"
+#include "ixomep/expr/program.h"
 #include "ixomep/values/engine_hooks.h"
 #include "ixomep/values/free_list.h"
 #include "ixomep/values/teardown.h"
@@ -44,6 +45,7 @@ void DropChild(IxoMepExprNode* child) noexcept {
 }
 
 void Bury(IxoMepExprNode& node) noexcept {
+  if (NodeAccess::GetMark(node) == NodeAccess::Mark::HasEntry) ixomep::ForgetProgram(node);
   if (node.GetType() == Kind::Constant) {
     const ixomep::ValuePtr value(NodeAccess::Value(node));
     NodeAccess::Free(node);
@@ -96,7 +98,7 @@ void IxoMepExprNode::operator delete(void* block) noexcept {
 // At the cap the copy takes its children with NewReference too. That recursion is shallow: a child
 // reaches its cap only through 65535 copies of its parent.
 IxoMepExprNode* IxoMepExprNode::NewReference() {
-  if (extra_references_ < kMaxExtraReferences) {
+  if (ExtraReferences() < kMaxExtraReferences) {
     ++extra_references_;
     return this;
   }

@@ -53,7 +53,7 @@ class IXOMEP_API IxoMepExprNode {
   IxoMepExprNode* NewReference();
   // One owner less; the last one releases the node, its value and its children.
   void DeleteReference() noexcept;
-  std::uint32_t ExtraReferences() const noexcept { return extra_references_; }
+  std::uint32_t ExtraReferences() const noexcept { return extra_references_ & kCountMask; }
 
   IxoMepExprNodeType GetType() const noexcept { return kind_; }
   // The value of a Constant (borrowed), else null.
@@ -150,12 +150,15 @@ class IXOMEP_API IxoMepExprNode {
 
  private:
   friend struct ixomep::NodeAccess;
+  // The count of further owners never passes 16 bits; the top two bits beside it tell what the
+  // engine knows of the tree that begins here (NodeAccess::Mark).
+  static constexpr std::uint32_t kCountMask = 0x3fffffffu;
   ~IxoMepExprNode() = default;  // DeleteReference is the only way out
 
   static void InitFunctionCallMap();  // ../builtins/table.cpp
 
   IxoMepExprNodeType kind_;
-  std::uint32_t extra_references_;
+  mutable std::uint32_t extra_references_;
   union {
     IxoMepExprNode* left_;
     IxoMepValue* value_;  // of a Constant; owned

@@ -61,9 +61,18 @@ struct NodeAccess {
   static void SetName(IxoMepExprNode& n, const char* name) noexcept { n.name_ = name; }
   // Gives one further owner back; false when there was none, and n is its last owner's.
   static bool DropFurtherOwner(IxoMepExprNode& n) noexcept {
-    if (n.extra_references_ == 0) return false;
+    if ((n.extra_references_ & IxoMepExprNode::kCountMask) == 0) return false;
     --n.extra_references_;
     return true;
+  }
+  // What is known of the tree that begins at the node (program_table.cpp).
+  enum class Mark : std::uint32_t { Fresh, Seen, HasEntry };
+  static Mark GetMark(const IxoMepExprNode& n) noexcept {
+    return static_cast<Mark>(n.extra_references_ >> 30);
+  }
+  static void SetMark(const IxoMepExprNode& n, Mark mark) noexcept {
+    n.extra_references_ = (n.extra_references_ & IxoMepExprNode::kCountMask) |
+                          static_cast<std::uint32_t>(mark) << 30;
   }
   // Returns the block to the pool; value and children are the caller's.
   static void Free(IxoMepExprNode& n) noexcept { delete &n; }

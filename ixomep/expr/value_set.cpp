@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "ixomep/expr/scalar.h"
 #include "ixomep/values/slot.h"
 #include "ixomep/values/string_address_map.h"
 
@@ -112,10 +113,12 @@ IxoMepValue* IxoMepValueSet::OldGetLValue(const String& name) {
 
 void IxoMepValueSet::NewSetValue(const char* name, const IxoMepValue& value, bool local) {
   IxoMepValue* const found = local ? FindHere(name) : _find(name);
-  if (found != nullptr) {
-    *found = value;
-  } else {
+  if (found == nullptr) {
     _add(name, new IxoMepValue(value));
+  } else if (ixomep::IsScalar(value)) {
+    ixomep::StoreScalar(*found, value.GetType(), ixomep::ValueAccess::Bits(value));
+  } else {
+    *found = value;
   }
 }
 

@@ -63,6 +63,18 @@ struct ValueAccess {
   static IxoMepExpressionParser* Expression(const IxoMepValue& v) noexcept {
     return v.payload_.expression;
   }
+  // The payload as it stands, for results that travel in registers (../expr/program.h).
+  static std::int64_t Bits(const IxoMepValue& v) noexcept { return v.payload_.bits; }
+  static std::int64_t TakeBits(IxoMepValue& v) noexcept {
+    v.type_ = IxoMepValueType::Undefined;
+    return v.payload_.bits;
+  }
+  static IxoMepValue FromBits(IxoMepValueType type, std::int64_t bits) noexcept {
+    IxoMepValue v;
+    v.type_ = type;
+    v.payload_.bits = bits;
+    return v;
+  }
   // Read-only views; borrowed until the value changes.
   static const IxoMepValueList& Items(const IxoMepValue& v) noexcept;
   static const IxoMepValueMap& Entries(const IxoMepValue& v) noexcept;
@@ -137,6 +149,12 @@ struct ValueAccess {
     v.type_ = IxoMepValueType::Integer;
     v.payload_.bits = 0;
     v.payload_.integer = n;
+  }
+  // For Integer, Real, Measure and Time.
+  static void SetScalar(IxoMepValue& v, IxoMepValueType type, std::int64_t bits) noexcept {
+    Release(v);
+    v.type_ = type;
+    v.payload_.bits = bits;
   }
   static void SetNumber(IxoMepValue& v, IxoMepValueType type, double d) noexcept {
     Release(v);

@@ -1,0 +1,239 @@
+// Internal: side programs. A tree that is evaluated again and again gets a second form: one small
+// operation for each node, chosen by what its operands are, that hands its result back in two
+// machine registers instead of writing a value object. The tree stays the law: an operation does
+// only what is common (numbers, texts, elements, calls of lambdas) and hands everything else,
+// every failure included, to the plain evaluation of its node. program_test.cpp compares both.
+//
+// A lambda that is called from a program gets no scope of its own until somebody could see that
+// scope: its arguments stay where they were evaluated (Run), and the scope is made from them when
+// a node is evaluated the plain way, a variable is assigned or foreign code is called.
+//
+// Compiled by program_compile.cpp, kept by program_table.cpp; the operations are in
+// program_operators.cpp (operators, reading) and program_calls.cpp (control, calls, assignment).
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <typeinfo>
+#include <vector>
+
+#include "ixomep/expr/evaluator.h"
+#include "ixomep/expr/expression_parser.h"
+#include "ixomep/expr/node.h"
+#include "ixomep/expr/scalar.h"
+#include "ixomep/expr/value_set.h"
+#include "ixomep/values/value_rep.h"
+
+namespace ixomep {
+
+// A value in two machine registers: its type's number and its payload. Whoever holds one of a type
+// with heap payload owns it and passes it on, or turns it into a value (OwnedValue).
+struct Reg {
+  std::int64_t tag;
+  std::int64_t bits;
+};
+
+inline constexpr std::int64_t kTagUndefined = 0;
+inline constexpr std::int64_t kTagString = 1;
+inline constexpr std::int64_t kTagInteger = 2;
+inline constexpr std::int64_t kTagReal = 3;
+inline constexpr std::int64_t kTagFailed = -1;  // Run::code and the error text say why
+inline constexpr std::int64_t kTagUnset = -2;   // success without a result
+
+inline Reg IntegerReg(std::int32_t n) noexcept {
+  return {kTagInteger, static_cast<std::int64_t>(static_cast<std::uint32_t>(n))};
+}
+inline Reg RealReg(double d) noexcept { return {kTagReal, std::bit_cast<std::int64_t>(d)}; }
+inline std::int32_t IntegerOf(Reg r) noexcept { return static_cast<std::int32_t>(r.bits); }
+inline double RealOf(Reg r) noexcept { return std::bit_cast<double>(r.bits); }
+inline bool IsNumber(Reg r) noexcept { return r.tag == kTagInteger || r.tag == kTagReal; }
+inline double NumberOf(Reg r) noexcept {
+  return r.tag == kTagInteger ? static_cast<double>(IntegerOf(r)) : RealOf(r);
+}
+
+inline IxoMepValue OwnedValue(Reg r) noexcept {
+  if (r.tag < 0) return IxoMepValue();
+  return ValueAccess::FromBits(static_cast<IxoMepValueType>(r.tag), r.bits);
+}
+inline Reg RegOf(IxoMepValue&& value) noexcept {
+  const auto tag = static_cast<std::int64_t>(value.GetType());
+  return {tag, ValueAccess::TakeBits(value)};
+}
+// Out of line, so that operations on numbers stay small.
+[[gnu::noinline]] Reg CopyOfOwner(const IxoMepValue& value);
+inline Reg CopyOf(const IxoMepValue& value) {
+  const auto tag = static_cast<std::int64_t>(value.GetType());
+  return IsScalar(tag) ? Reg{tag, ValueAccess::Bits(value)} : CopyOfOwner(value);
+}
+inline void Drop(Reg r) noexcept {
+  if (r.tag >= 0 && !IsScalar(r.tag)) OwnedValue(r);
+}
+
+// A name as the operations look it up.
+struct NameRef {
+  explicit NameRef(const char* interned) noexcept;
+  NameRef() noexcept = default;
+
+  const char* name = nullptr;
+  std::uint32_t bucket = 0;
+  std::uint64_t bit = 0;  // one of 64, for the mask of names that wait for their scopes
+};
+
+class Program;
+
+// One level of evaluation: a root, or a lambda called from a program.
+class Run {
+ public:
+  static constexpr std::int32_t kMaxArguments = 4;
+
+  // A root, or a lambda whose scope is there already: everything is in frame.scope.
+  Run(Frame& frame, std::int32_t entry_depth) noexcept
+      : frame_(frame),
+        lookup_(frame.scope),
+        entry_depth_(entry_depth),
+        has_plain_parser_(frame.parser == nullptr ||
+                          typeid(*frame.parser) == typeid(IxoMepExpressionParser)) {}
+  // A lambda called from `caller` with its arguments, as many as it has parameters. frame is the
+  // level's own; its scope counts only when the level has one.
+  Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* arguments,
+      std::int32_t entry_depth) noexcept;
+  Run(const Run&) = delete;
+  Run& operator=(const Run&) = delete;
+  ~Run() {
+    if (owns_scope_) GiveScopeBack();
+  }
+
+  bool IsStrict() const noexcept { return frame_.strict; }
+  String& Text() noexcept { return frame_.text; }
+  const IxoMepExpressionParser* Parser() const noexcept { return frame_.parser; }
+  // Does no host answer calls? Then they need not be handed to one.
+  bool HasPlainParser() const noexcept { return has_plain_parser_; }
+  std::int32_t EntryDepth() const noexcept { return entry_depth_; }
+  // Makes the level's scope, and those of its callers, when they have none yet.
+  Frame& RealFrame() {
+    if (arguments_ != nullptr) MakeScope();
+    return frame_;
+  }
+  // The argument that stands for a parameter, null when the level has a scope.
+  const IxoMepValue* Argument(std::int32_t index) const noexcept {
+    return arguments_ != nullptr ? &arguments_[index] : nullptr;
+  }
+  // The variable's value here and now (borrowed), null when absent.
+  const IxoMepValue* Find(const NameRef& ref) const noexcept {
+    if ((waiting_ & ref.bit) != 0) {
+      if (const IxoMepValue* const found = FindArgument(ref.name)) return found;
+    }
+    return lookup_ != nullptr ? lookup_->FindInBucket(ref.bucket, ref.name) : nullptr;
+  }
+
+  Reg Fail(IxoMepErrorEnum failure) noexcept {
+    code = failure;
+    return {kTagFailed, 0};
+  }
+
+  IxoMepErrorEnum code = IMEPERR_NONE;
+
+ private:
+  void MakeScope();
+  void GiveScopeBack() noexcept;
+  const IxoMepValue* FindArgument(const char* name) const noexcept;
+
+  Frame& frame_;
+  IxoMepValueSet* lookup_;     // the innermost scope that is there
+  std::uint64_t waiting_ = 0;  // names of arguments without a scope, here and above
+  Run* caller_ = nullptr;      // of a level that has no scope yet
+  const Program* lambda_ = nullptr;
+  IxoMepValue* arguments_ = nullptr;  // null when the level's variables are in frame_.scope
+  std::int32_t entry_depth_;
+  bool owns_scope_ = false;
+  bool has_plain_parser_;
+};
+
+// Where the count of begun evaluations stands when a node's evaluation begins: at a number, or
+// that much above where it stood when the program was entered.
+struct SpineDepth {
+  std::int32_t count = 0;
+  bool above_entry = true;
+
+  SpineDepth Inside() const noexcept { return {count + 1, above_entry}; }
+  static SpineDepth AfterAnEnd() noexcept { return {0, false}; }
+};
+
+struct Op {
+  using Fn = Reg (*)(const Op& op, Run& run);
+
+  Reg operator()(Run& run) const { return fn(*this, run); }
+
+  Fn fn = nullptr;
+  const IxoMepExprNode* node = nullptr;
+  SpineDepth depth;
+};
+
+// Evaluates the operation's node the plain way.
+Reg RunPlainly(const Op& op, Run& run);
+// Stands the call-depth counter where it would be, before foreign code or plain evaluation runs.
+inline void RestoreDepth(const SpineDepth& depth, const Run& run) noexcept {
+  IxoMepExprNode::m_nCallDepth = depth.count + (depth.above_entry ? run.EntryDepth() : 0);
+}
+
+// The operations of one tree, or of one lambda's body. They refer to the nodes of the tree, which
+// must outlive them.
+class Program {
+ public:
+  Program() = default;
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  template <class T>
+  T& New() {
+    auto holder = std::make_unique<Holder<T>>();
+    T& made = holder->object;
+    holders_.push_back(std::move(holder));
+    return made;
+  }
+
+  const Op* root = nullptr;
+  // The longest chain of evaluations without an end among them that begins with the program.
+  std::int32_t spine = 0;
+
+  // Of a lambda: its parameters, different names.
+  std::int32_t parameter_count = 0;
+  NameRef parameters[Run::kMaxArguments];
+  std::uint64_t parameter_bits = 0;
+
+ private:
+  struct HolderBase {
+    virtual ~HolderBase() = default;
+  };
+  template <class T>
+  struct Holder : HolderBase {
+    T object;
+  };
+  std::vector<std::unique_ptr<HolderBase>> holders_;
+};
+
+// Compiles a tree, or a lambda's body when the node is a lambda. Null for one that is better
+// walked: too deep, or a lambda of unusual shape.
+std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node);
+
+// The program of that node: null on the first call, so that what is evaluated once is not
+// compiled, and for trees without one. Valid while the node lives.
+const Program* ProgramFor(const IxoMepExprNode& node);
+// Off: everything is walked, until it is switched on again. For comparing both ways. Gives what
+// was set before.
+bool UsePrograms(bool use) noexcept;
+// Called when a node that ProgramFor has seen is destroyed.
+void ForgetProgram(const IxoMepExprNode& node) noexcept;
+
+// Evaluates the tree by its program when it has one, else plainly. Contract as Evaluate.
+IxoMepErrorEnum EvaluateTree(const IxoMepExprNode& root, Frame& frame, IxoMepValue& out);
+// The same through a result slot, for IxoMepExpressionParser::Evaluate (evaluate_front.cpp).
+IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
+                               IxoMepValueSet* scope, IxoMepValue*& result, String& text,
+                               bool strict);
+// Evaluates the body of a lambda whose arguments are in frame.scope already.
+IxoMepErrorEnum EvaluateBody(const IxoMepExprNode& lambda, Frame& frame, IxoMepValue& out);
+
+}  // namespace ixomep

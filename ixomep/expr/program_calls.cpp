@@ -1,0 +1,322 @@
+// Operations of side programs that steer, store and call: cond, loops, sequences, assignments to
+// names, calls of lambdas and of the host's functions; and the levels (Run) that calls open.
+#include <array>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "ixomep/expr/node_ptr.h"
+#include "ixomep/expr/program_ops.h"
+#include "ixomep/expr/stack_guard.h"
+#include "ixomep/expr/value_set_pool.h"
+#include "ixomep/values/error.h"
+
+namespace ixomep {
+
+namespace {
+
+using Type = IxoMepValueType;
+
+constexpr Reg kFailure{kTagFailed, 0};
+constexpr Reg kNothing{kTagUndefined, 0};
+constexpr std::int32_t kLongestSpine = 251;
+
+template <class T>
+const T& As(const Op& op) noexcept {
+  return static_cast<const T&>(op);
+}
+
+Reg FailWith(Run& run, IxoMepErrorEnum code) { return run.Fail(Raise(run.Text(), code)); }
+
+Reg FailTypes(Run& run, const char* shown, const IxoMepValue& a, const IxoMepValue* b = nullptr) {
+  run.Text() = IxoMepError::MakeFunctionError(IMEPERR_WRONG_TYPE, shown, &a, b);
+  return run.Fail(IMEPERR_WRONG_TYPE);
+}
+
+enum class Truth : std::uint8_t { No, Yes, Failed };
+
+Truth Decide(const Op& condition, Run& run, const char* function) {
+  const Reg r = condition(run);
+  if (r.tag == kTagInteger) return IntegerOf(r) != 0 ? Truth::Yes : Truth::No;
+  if (r.tag == kTagReal) return RealOf(r) != 0.0 ? Truth::Yes : Truth::No;
+  if (r.tag == kTagFailed) return Truth::Failed;
+  const IxoMepValue value = OwnedValue(r);
+  bool truth = false;
+  if (ReadCondition(value, truth)) return truth ? Truth::Yes : Truth::No;
+  FailTypes(run, function, value);
+  return Truth::Failed;
+}
+
+// Runs an operation whose result nobody wants; false after a failure.
+bool RunUnwanted(const Op& op, Run& run) {
+  const Reg unwanted = op(run);
+  if (unwanted.tag == kTagFailed) return false;
+  Drop(unwanted);
+  return true;
+}
+
+inline IxoMepValue& FindOrCreate(IxoMepValueSet& scope, const NameRef& ref) {
+  IxoMepValue* const found = scope.FindInBucket(ref.bucket, ref.name);
+  return found != nullptr ? *found : *scope.NewGetLValue(ref.name);
+}
+
+IxoMepValue& TargetOf(IxoMepValue& variable) noexcept {
+  return variable.GetType() == Type::Reference ? ValueAccess::Follow(variable) : variable;
+}
+
+// `x := x + e` for a text in x: it grows in place. False when e is none.
+[[gnu::noinline]] bool AppendText(const AssignOp& op, IxoMepValue& variable, Run& run,
+                                  Reg& result) {
+  IxoMepValue storage;
+  const IxoMepValue* const more = ReadOperand(op.appended->right, run, storage);
+  result = kFailure;
+  if (more == nullptr) return true;
+  if (more->GetType() != Type::String) return false;  // read again: it is quiet
+  String& text = ValueAccess::Text(variable);
+  const String& added = ValueAccess::Text(*more);
+  try {
+    if (std::int64_t{text.Len()} + added.Len() <= String::kMaxLength) {
+      text += added;
+      result = kNothing;
+      return true;
+    }
+  } catch (const std::bad_alloc&) {
+  }
+  result = FailWith(run, IMEPERR_TOO_LONG);
+  return true;
+}
+
+// Out of line, so that storing a number stays small.
+[[gnu::noinline]] Reg StoreOwner(const AssignOp& assign, IxoMepValueSet& scope, Reg r,
+                                 bool wanted) {
+  IxoMepValue value = OwnedValue(r);
+  ReplaceReference(value);
+  const Reg result = wanted ? CopyOf(value) : kNothing;
+  TargetOf(FindOrCreate(scope, assign.variable)) = std::move(value);
+  return result;
+}
+
+template <bool kWanted>
+Reg Assign(const Op& op, Run& run) {
+  const auto& assign = As<AssignOp>(op);
+  if (run.IsStrict()) return RunPlainly(op, run);
+  IxoMepValueSet* const scope = run.RealFrame().scope;
+  if (scope == nullptr) return RunPlainly(op, run);
+  IxoMepValue* variable = &FindOrCreate(*scope, assign.variable);
+  if constexpr (!kWanted) {
+    if (assign.appended != nullptr && variable->GetType() == Type::String) {
+      Reg result{};
+      if (AppendText(assign, *variable, run, result)) return result;
+    }
+  }
+  const Reg r = (*assign.value)(run);
+  if (IsScalar(r.tag)) {
+    if (!assign.quiet) variable = &FindOrCreate(*scope, assign.variable);
+    StoreScalar(TargetOf(*variable), static_cast<Type>(r.tag), r.bits);
+    return r;
+  }
+  return r.tag == kTagFailed ? r : StoreOwner(assign, *scope, r, kWanted);
+}
+
+// --- Calls --------------------------------------------------------------------------------------
+
+Reg CallByProgram(const CallOp& call, const IxoMepExprNode& lambda, const Program& program,
+                  Run& run) {
+  const NodePtr held = NodePtr::Share(&lambda);
+  if (held.get() != &lambda) return RunPlainly(call, run);
+  std::array<IxoMepValue, Run::kMaxArguments> arguments;
+  std::size_t count = 0;
+  for (const Op* const argument : call.arguments) {
+    const Reg r = (*argument)(run);
+    if (r.tag == kTagFailed) return r;
+    arguments[count++] = OwnedValue(r);
+  }
+  std::int32_t entry_depth = 0;
+  if (count == 0) {
+    RestoreDepth(call.depth.Inside(), run);
+    entry_depth = IxoMepExprNode::m_nCallDepth;
+  }
+  Frame frame{run.Parser(), nullptr, run.Text(), run.IsStrict()};
+  Run level(run, frame, program, arguments.data(), entry_depth);
+  const Reg result = (*program.root)(level);
+  if (result.tag == kTagFailed) run.code = level.code;
+  return result;
+}
+
+Reg CallLambdaNode(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
+  const Program* const program = ProgramFor(lambda);
+  if (program == nullptr || !StackGuard::HasRoom() ||
+      static_cast<std::size_t>(program->parameter_count) != call.arguments.size()) {
+    return RunPlainly(call, run);
+  }
+  if (call.arguments.empty()) {
+    RestoreDepth(call.depth.Inside(), run);
+    if (IxoMepExprNode::m_nCallDepth + program->spine > kLongestSpine) return RunPlainly(call, run);
+  }
+  return CallByProgram(call, lambda, *program, run);
+}
+
+Reg CallHost(const CallOp& call, Run& run) {
+  Frame& frame = run.RealFrame();
+  const String text_before = frame.text;
+  RestoreDepth(call.depth.Inside(), run);
+  IxoMepValue* slot = nullptr;
+  IxoMepErrorEnum code = frame.parser->EvaluateFunctionCall(call.node, frame.scope, call.name, slot,
+                                                            frame.text, frame.strict);
+  const ValuePtr result(slot);
+  if (code == IMEPERR_NONE) {
+    return result != nullptr ? RegOf(std::move(*result)) : Reg{kTagUnset, 0};
+  }
+  if (code != IMEPERR_UNKNOWN_FUNCTION) return run.Fail(code);
+  IxoMepValue out;
+  RestoreDepth(call.depth.Inside(), run);
+  code = CallVariable(*call.node, text_before, frame, out);
+  if (code != IMEPERR_NONE) return run.Fail(code);
+  return frame.no_result ? Reg{kTagUnset, 0} : RegOf(std::move(out));
+}
+
+}  // namespace
+
+// --- Levels -------------------------------------------------------------------------------------
+
+Run::Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* arguments,
+         std::int32_t entry_depth) noexcept
+    : frame_(frame),
+      lookup_(caller.lookup_),
+      waiting_(caller.waiting_ | lambda.parameter_bits),
+      caller_(&caller),
+      lambda_(&lambda),
+      arguments_(arguments),
+      entry_depth_(entry_depth),
+      has_plain_parser_(caller.has_plain_parser_) {}
+
+const IxoMepValue* Run::FindArgument(const char* name) const noexcept {
+  for (const Run* level = this; level != nullptr && level->arguments_ != nullptr;
+       level = level->caller_) {
+    for (std::int32_t i = 0; i < level->lambda_->parameter_count; ++i) {
+      if (level->lambda_->parameters[i].name == name) return &level->arguments_[i];
+    }
+  }
+  return nullptr;
+}
+
+// The callers' scopes first, outermost to innermost; without recursion, for calls nest deeply.
+void Run::MakeScope() {
+  while (arguments_ != nullptr) {
+    Run* level = this;
+    while (level->caller_->arguments_ != nullptr) level = level->caller_;
+    PooledScope scope(level->caller_->frame_.scope);
+    for (std::int32_t i = 0; i < level->lambda_->parameter_count; ++i) {
+      scope->NewMoveValue(level->lambda_->parameters[i].name,
+                          MakeValue(std::move(level->arguments_[i])).release(), true);
+    }
+    level->frame_.scope = scope.Release();
+    level->owns_scope_ = true;
+    level->lookup_ = level->frame_.scope;
+    level->waiting_ = 0;
+    level->arguments_ = nullptr;
+  }
+}
+
+void Run::GiveScopeBack() noexcept { IxoMepValueSetContainer::FreeValueSet(frame_.scope); }
+
+Reg RunPlainly(const Op& op, Run& run) {
+  Frame& frame = run.RealFrame();
+  RestoreDepth(op.depth, run);
+  IxoMepValue out;
+  const IxoMepErrorEnum code = Evaluate(*op.node, frame, out);
+  if (code != IMEPERR_NONE) return run.Fail(code);
+  return frame.no_result ? Reg{kTagUnset, 0} : RegOf(std::move(out));
+}
+
+// --- Control ------------------------------------------------------------------------------------
+
+Reg RunCond(const Op& op, Run& run) {
+  const auto& cond = As<CondOp>(op);
+  for (const CondOp::Branch& branch : cond.branches) {
+    const Truth truth = Decide(*branch.condition, run, "cond");
+    if (truth == Truth::Yes) return (*branch.value)(run);
+    if (truth == Truth::Failed) return kFailure;
+  }
+  return (*cond.otherwise)(run);
+}
+
+Reg RunWhile(const Op& op, Run& run) {
+  const auto& loop = As<WhileOp>(op);
+  while (true) {
+    const Truth truth = Decide(*loop.condition, run, "while");
+    if (truth == Truth::Failed) return kFailure;
+    if (truth == Truth::No) break;
+    if (!RunUnwanted(*loop.body, run)) return kFailure;
+  }
+  return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
+}
+
+Reg RunFor(const Op& op, Run& run) {
+  const auto& loop = As<ForOp>(op);
+  IxoMepValueSet* const scope = run.RealFrame().scope;
+  if (scope == nullptr || run.IsStrict()) return RunPlainly(op, run);
+  FindOrCreate(*scope, loop.variable);
+  const Reg from = (*loop.from)(run);
+  if (from.tag == kTagFailed) return from;
+  const IxoMepValue first = OwnedValue(from);
+  const Reg to = (*loop.to)(run);
+  if (to.tag == kTagFailed) return to;
+  if (from.tag != kTagInteger || to.tag != kTagInteger) {
+    const IxoMepValue last = OwnedValue(to);
+    return FailTypes(run, "for(#2,#3)", first, &last);
+  }
+  // Wider than the language's integers, so that a last value of 2147483647 ends the loop.
+  const std::int64_t last = IntegerOf(to);
+  for (std::int64_t i = IntegerOf(from); i <= last; ++i) {
+    const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
+    StoreScalar(TargetOf(FindOrCreate(*scope, loop.variable)), Type::Integer, counter.bits);
+    if (!RunUnwanted(*loop.body, run)) return kFailure;
+  }
+  return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
+}
+
+Reg RunSequence(const Op& op, Run& run) {
+  const auto& sequence = As<SequenceOp>(op);
+  if (!RunUnwanted(*sequence.first, run)) return kFailure;
+  const Reg result = (*sequence.second)(run);
+  return result.tag == kTagUnset ? kNothing : result;
+}
+
+// --- Assignment ---------------------------------------------------------------------------------
+
+Reg RunAssign(const Op& op, Run& run) { return Assign<true>(op, run); }
+Reg RunAssignOnly(const Op& op, Run& run) { return Assign<false>(op, run); }
+
+// aappend(name, value) with a quiet value.
+Reg RunAppendOnly(const Op& op, Run& run) {
+  const auto& append = As<AppendOp>(op);
+  IxoMepValueSet* const scope = run.RealFrame().scope;
+  IxoMepValue* const variable =
+      scope != nullptr && !run.IsStrict()
+          ? scope->FindInBucket(append.variable.bucket, append.variable.name)
+          : nullptr;
+  if (variable == nullptr || variable->GetType() != Type::Array) return RunPlainly(op, run);
+  const Reg r = (*append.value)(run);
+  if (r.tag == kTagFailed) return r;
+  IxoMepValue value = OwnedValue(r);
+  ReplaceReference(value);
+  try {
+    ValueAccess::AppendOwned(*variable, MakeValue(std::move(value)));
+  } catch (const std::bad_alloc&) {
+    return FailWith(run, IMEPERR_TOO_LONG);
+  }
+  return kNothing;
+}
+
+Reg RunCall(const Op& op, Run& run) {
+  const auto& call = As<CallOp>(op);
+  if (!run.HasPlainParser()) return CallHost(call, run);
+  const IxoMepValue* const callee = run.Find(call.callee);
+  if (callee == nullptr || callee->GetType() != Type::Lambda || call.is_line_number) {
+    return RunPlainly(op, run);
+  }
+  return CallLambdaNode(call, *ValueAccess::Lambda(*callee), run);
+}
+
+}  // namespace ixomep

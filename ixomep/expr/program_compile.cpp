@@ -1,0 +1,341 @@
+// Tree -> side program. For each node the operation that fits its operands; what has none is
+// evaluated the plain way (RunPlainly).
+#include <algorithm>
+#include <utility>
+
+#include "ixomep/expr/builtin_table.h"
+#include "ixomep/expr/operator_table.h"
+#include "ixomep/expr/program_ops.h"
+#include "ixomep/values/string_address_map.h"
+
+namespace ixomep {
+
+namespace {
+
+using Kind = IxoMepExprNodeType;
+
+// Deeper trees are walked: operations nest on the native stack without asking how much is left.
+constexpr std::int32_t kMaxNesting = 120;
+constexpr std::int32_t kMaxSpine = 250;
+
+class Compiler {
+ public:
+  explicit Compiler(Program& program) : program_(program) {}
+
+  bool Succeeded() const noexcept { return program_.spine <= kMaxSpine && !too_long_; }
+
+  const Op* Value(const IxoMepExprNode& node, SpineDepth depth) {
+    return Counted(node, depth, &Compiler::MakeValueOp);
+  }
+  // For a result that nobody wants.
+  const Op* Effect(const IxoMepExprNode& node, SpineDepth depth) {
+    return Counted(node, depth, &Compiler::MakeEffectOp);
+  }
+
+ private:
+  using Maker = const Op* (Compiler::*)(const IxoMepExprNode& node, SpineDepth depth);
+
+  const Op* Counted(const IxoMepExprNode& node, SpineDepth depth, Maker maker) {
+    if (depth.above_entry) {
+      program_.spine = std::max(program_.spine, depth.count + 1);
+    } else if (depth.count >= kMaxSpine) {
+      too_long_ = true;
+    }
+    if (nesting_ >= kMaxNesting) return Plain(node, depth);
+    ++nesting_;
+    const Op* const op = (this->*maker)(node, depth);
+    --nesting_;
+    return op;
+  }
+
+  template <class T>
+  T& New(const IxoMepExprNode& node, SpineDepth depth, Op::Fn fn) {
+    T& op = program_.New<T>();
+    op.fn = fn;
+    op.node = &node;
+    op.depth = depth;
+    return op;
+  }
+
+  const Op* Plain(const IxoMepExprNode& node, SpineDepth depth) {
+    return &New<Op>(node, depth, &RunPlainly);
+  }
+
+  const Op* MakeValueOp(const IxoMepExprNode& node, SpineDepth depth) {
+    switch (node.GetType()) {
+      case Kind::Constant:
+        return MakeConstant(node, depth);
+      case Kind::Variable:
+        return MakeName(node, depth);
+      case Kind::ArraySubscription:
+        return MakeElement(node, depth);
+      case Kind::FunctionCall:
+        return MakeCall(node, depth);
+      case Kind::Assign:
+        return MakeAssign(node, depth, &RunAssign);
+      case Kind::Comma:
+        return MakeSequence(node, depth, true);
+      case Kind::ObjectSubscription:
+      case Kind::ParamItem:
+      case Kind::Lambda:
+        return Plain(node, depth);
+      default:
+        return MakeOperator(node, depth);
+    }
+  }
+
+  const Op* MakeEffectOp(const IxoMepExprNode& node, SpineDepth depth) {
+    switch (node.GetType()) {
+      case Kind::Assign:
+        return MakeAssign(node, depth, &RunAssignOnly);
+      case Kind::Comma:
+        return MakeSequence(node, depth, false);
+      case Kind::FunctionCall:
+        if (IsAppend(node)) return MakeAppend(node, depth);
+        [[fallthrough]];
+      default:
+        return MakeValueOp(node, depth);
+    }
+  }
+
+  const Op* MakeConstant(const IxoMepExprNode& node, SpineDepth depth) {
+    const IxoMepValue* const value = node.GetValue();
+    if (value == nullptr) return Plain(node, depth);
+    if (IsScalar(static_cast<std::int64_t>(value->GetType()))) {
+      auto& op = New<NumberOp>(node, depth, &RunNumber);
+      op.number = CopyOf(*value);
+      return &op;
+    }
+    auto& op = New<ConstantOp>(node, depth, &RunConstant);
+    op.value = value;
+    return &op;
+  }
+
+  // The parameter of that name, -1 for none.
+  std::int32_t ParameterOf(const char* name) const noexcept {
+    for (std::int32_t i = 0; i < program_.parameter_count; ++i) {
+      if (program_.parameters[i].name == name) return i;
+    }
+    return -1;
+  }
+
+  const Op* MakeName(const IxoMepExprNode& node, SpineDepth depth) {
+    const NameRef name(node.GetNameAddress());
+    const std::int32_t parameter = ParameterOf(name.name);
+    if (parameter >= 0) {
+      auto& op = New<ArgumentOp>(node, depth, &RunArgument);
+      op.name = name;
+      op.index = parameter;
+      return &op;
+    }
+    auto& op = New<VariableOp>(node, depth, &RunVariable);
+    op.name = name;
+    return &op;
+  }
+
+  Operand MakeOperand(const IxoMepExprNode& node, SpineDepth depth) {
+    Operand operand;
+    operand.op = Value(node, depth);
+    operand.quiet = IsQuiet(node);
+    if (operand.op->fn == &RunNumber) {
+      operand.shape = Shape::Number;
+      operand.number = static_cast<const NumberOp*>(operand.op)->number;
+    } else if (operand.op->fn == &RunVariable) {
+      operand.shape = Shape::Variable;
+      operand.name = static_cast<const VariableOp*>(operand.op)->name;
+    } else if (operand.op->fn == &RunArgument) {
+      const auto* const argument = static_cast<const ArgumentOp*>(operand.op);
+      operand.shape = Shape::Argument;
+      operand.name = argument->name;
+      operand.argument = argument->index;
+    }
+    return operand;
+  }
+
+  const Op* MakeElement(const IxoMepExprNode& node, SpineDepth depth) {
+    const IxoMepExprNode* const cell = node.Right();
+    const bool simple = node.Left() != nullptr && cell != nullptr && cell->Right() == nullptr &&
+                        IsQuiet(*node.Left()) && IsQuiet(*cell->Left());
+    if (!simple) return Plain(node, depth);
+    auto& op = New<ElementOp>(node, depth, &RunElement);
+    op.base = MakeOperand(*node.Left(), depth.Inside());
+    op.index = MakeOperand(*cell->Left(), SpineDepth::AfterAnEnd());
+    return &op;
+  }
+
+  const Op* MakeOperator(const IxoMepExprNode& node, SpineDepth depth) {
+    if (node.Right() == nullptr) return Plain(node, depth);
+    if (node.Left() == nullptr) {
+      auto& op = New<UnaryOp>(node, depth, UnaryFunction(node.GetType()));
+      op.operand = MakeOperand(*node.Right(), depth.Inside());
+      return &op;
+    }
+    if (BinaryFunction(node.GetType(), Shape::General, Shape::General) == nullptr) {
+      return Plain(node, depth);
+    }
+    return &MakeBinary(node, depth);
+  }
+
+  const BinaryOp& MakeBinary(const IxoMepExprNode& node, SpineDepth depth) {
+    auto& op = New<BinaryOp>(node, depth, nullptr);
+    op.left = MakeOperand(*node.Left(), depth.Inside());
+    op.right = MakeOperand(*node.Right(), SpineDepth::AfterAnEnd());
+    op.fn = BinaryFunction(node.GetType(), op.left.shape, op.right.shape);
+    return op;
+  }
+
+  const Op* MakeSequence(const IxoMepExprNode& node, SpineDepth depth, bool wanted) {
+    if (node.Left() == nullptr || node.Right() == nullptr) return Plain(node, depth);
+    auto& op = New<SequenceOp>(node, depth, &RunSequence);
+    op.first = Effect(*node.Left(), depth.Inside());
+    op.second = wanted ? Value(*node.Right(), SpineDepth::AfterAnEnd())
+                       : Effect(*node.Right(), SpineDepth::AfterAnEnd());
+    return &op;
+  }
+
+  static bool IsCallOf(const IxoMepExprNode& node, const char* name) noexcept {
+    return node.GetType() == Kind::FunctionCall && node.Left() != nullptr &&
+           node.Left()->GetType() == Kind::Variable && node.Left()->GetNameAddress() == name;
+  }
+
+  // To a name. A lambda that is assigned learns that name, which the plain way sees to.
+  const Op* MakeAssign(const IxoMepExprNode& node, SpineDepth depth, Op::Fn fn) {
+    static const char* const lambda = Intern("lambda");
+    const IxoMepExprNode* const target = node.Left();
+    const IxoMepExprNode* const source = node.Right();
+    if (target == nullptr || source == nullptr || target->GetType() != Kind::Variable ||
+        IsCallOf(*source, lambda)) {
+      return Plain(node, depth);
+    }
+    auto& op = New<AssignOp>(node, depth, fn);
+    op.variable = NameRef(target->GetNameAddress());
+    op.value = Value(*source, depth.Inside());
+    op.quiet = IsQuiet(*source);
+    const bool is_sum =
+        source->GetType() == Kind::Plus && source->Left() != nullptr && op.value->fn != &RunPlainly;
+    if (is_sum) {
+      const auto* const sum = static_cast<const BinaryOp*>(op.value);
+      if (sum->left.shape != Shape::General && sum->left.name.name == op.variable.name &&
+          sum->right.quiet) {
+        op.appended = sum;
+      }
+    }
+    return &op;
+  }
+
+  static bool IsAppend(const IxoMepExprNode& node) noexcept {
+    static const char* const append = Intern("aappend");
+    if (!IsCallOf(node, append) || node.GetParamCount() != 2) return false;
+    return node.GetParam1()->GetType() == Kind::Variable && IsQuiet(*node.GetParam2());
+  }
+
+  const Op* MakeAppend(const IxoMepExprNode& node, SpineDepth depth) {
+    auto& op = New<AppendOp>(node, depth, &RunAppendOnly);
+    op.variable = NameRef(node.GetParam1()->GetNameAddress());
+    op.value = Value(*node.GetParam2(), depth.Inside());
+    return &op;
+  }
+
+  const Op* MakeCall(const IxoMepExprNode& node, SpineDepth depth) {
+    static const char* const cond = Intern("cond");
+    static const char* const mepwhile = Intern("while");
+    static const char* const mepfor = Intern("for");
+    const IxoMepExprNode* const callee = node.Left();
+    if (callee == nullptr || callee->GetType() != Kind::Variable) return Plain(node, depth);
+    const char* const name = callee->GetNameAddress();
+    const std::int32_t count = node.GetParamCount();
+    if (name == cond && count >= 3 && count % 2 == 1) return MakeCond(node, depth);
+    if (name == mepwhile && (count == 2 || count == 3)) return MakeWhile(node, depth);
+    if (name == mepfor && (count == 4 || count == 5) &&
+        node.GetParam1()->GetType() == Kind::Variable) {
+      return MakeFor(node, depth);
+    }
+    if (name == nullptr || IsBuiltinName(name)) return Plain(node, depth);
+    return MakeUserCall(node, depth, name);
+  }
+
+  const Op* MakeCond(const IxoMepExprNode& node, SpineDepth depth) {
+    auto& op = New<CondOp>(node, depth, &RunCond);
+    SpineDepth condition_depth = depth.Inside();
+    const IxoMepExprNode* cell = node.Right();
+    while (cell->Right() != nullptr) {
+      const Op* const condition = Value(*cell->Left(), condition_depth);
+      cell = cell->Right();
+      op.branches.push_back({condition, Value(*cell->Left(), SpineDepth::AfterAnEnd())});
+      condition_depth = SpineDepth::AfterAnEnd();
+      cell = cell->Right();
+    }
+    op.otherwise = Value(*cell->Left(), SpineDepth::AfterAnEnd());
+    return &op;
+  }
+
+  const Op* MakeWhile(const IxoMepExprNode& node, SpineDepth depth) {
+    auto& op = New<WhileOp>(node, depth, &RunWhile);
+    op.condition = Value(*node.GetParam1(), depth.Inside());
+    op.body = Effect(*node.GetParam2(), SpineDepth::AfterAnEnd());
+    if (node.GetParam3() != nullptr) op.last = Value(*node.GetParam3(), SpineDepth::AfterAnEnd());
+    return &op;
+  }
+
+  const Op* MakeFor(const IxoMepExprNode& node, SpineDepth depth) {
+    auto& op = New<ForOp>(node, depth, &RunFor);
+    op.variable = NameRef(node.GetParam1()->GetNameAddress());
+    op.from = Value(*node.GetParam2(), depth.Inside());
+    op.to = Value(*node.GetParam3(), SpineDepth::AfterAnEnd());
+    op.body = Effect(*node.GetParam4(), SpineDepth::AfterAnEnd());
+    if (node.GetParam(5) != nullptr) op.last = Value(*node.GetParam(5), SpineDepth::AfterAnEnd());
+    return &op;
+  }
+
+  const Op* MakeUserCall(const IxoMepExprNode& node, SpineDepth depth, const char* name) {
+    static const char* const line_number = Intern("curlineno");
+    auto& op = New<CallOp>(node, depth, &RunCall);
+    op.callee = NameRef(name);
+    op.name = String(name);
+    op.is_line_number = name == line_number;
+    SpineDepth argument_depth = depth.Inside();
+    for (const IxoMepExprNode* cell = node.Right(); cell != nullptr; cell = cell->Right()) {
+      op.arguments.push_back(Value(*cell->Left(), argument_depth));
+      argument_depth = SpineDepth::AfterAnEnd();
+    }
+    return &op;
+  }
+
+  Program& program_;
+  std::int32_t nesting_ = 0;
+  bool too_long_ = false;
+};
+
+// False for a lambda with more parameters than a level holds, or two of one name.
+bool ReadParameters(const IxoMepExprNode& lambda, Program& program) {
+  for (const IxoMepExprNode* name = lambda.Left(); name != nullptr; name = name->Left()) {
+    if (program.parameter_count == Run::kMaxArguments) return false;
+    const NameRef parameter(name->GetNameAddress());
+    for (std::int32_t i = 0; i < program.parameter_count; ++i) {
+      if (program.parameters[i].name == parameter.name) return false;
+    }
+    program.parameters[program.parameter_count++] = parameter;
+    program.parameter_bits |= parameter.bit;
+  }
+  return true;
+}
+
+}  // namespace
+
+NameRef::NameRef(const char* interned) noexcept
+    : name(interned),
+      bucket(IxoMepValueSet::IndexOf(interned)),
+      bit(std::uint64_t{1} << ((reinterpret_cast<std::uintptr_t>(interned) >> 4) % 64)) {}
+
+std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node) {
+  auto program = std::make_unique<Program>();
+  const bool is_lambda = node.GetType() == Kind::Lambda;
+  const IxoMepExprNode* const root = is_lambda ? node.Right() : &node;
+  if (root == nullptr || (is_lambda && !ReadParameters(node, *program))) return nullptr;
+  Compiler compiler(*program);
+  program->root = compiler.Value(*root, SpineDepth());
+  if (!compiler.Succeeded()) return nullptr;
+  return program;
+}
+
+}  // namespace ixomep

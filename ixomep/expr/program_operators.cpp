@@ -1,0 +1,373 @@
+// Operations of side programs that read and combine: constants, variables, elements, operators.
+// Each is a function chosen when the program is compiled, so that an operator on two integers costs
+// two look-ups and one addition. Whatever is not numbers goes through the operator tables.
+#include <cmath>
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "ixomep/expr/binary_operators.h"
+#include "ixomep/expr/decimal_compare.h"
+#include "ixomep/expr/program_ops.h"
+#include "ixomep/expr/unary_operators.h"
+#include "ixomep/host/numbers.h"
+
+namespace ixomep {
+
+namespace {
+
+using Kind = IxoMepExprNodeType;
+using Type = IxoMepValueType;
+
+template <class T>
+const T& As(const Op& op) noexcept {
+  return static_cast<const T&>(op);
+}
+
+// --- Operands -----------------------------------------------------------------------------------
+
+// What a name that is bound nowhere reads as.
+[[gnu::noinline]] Reg ReadAbsent(const Op& op, Run& run) {
+  return run.IsStrict() ? RunPlainly(op, run) : Reg{kTagUndefined, 0};
+}
+
+const IxoMepValue* FindArgument(const Operand& operand, const Run& run) noexcept {
+  const IxoMepValue* const argument = run.Argument(operand.argument);
+  return argument != nullptr ? argument : run.Find(operand.name);
+}
+
+template <Shape kShape>
+Reg Fetch(const Operand& operand, Run& run) {
+  if constexpr (kShape == Shape::Number) {
+    return operand.number;
+  } else if constexpr (kShape == Shape::Variable) {
+    const IxoMepValue* const value = run.Find(operand.name);
+    return value != nullptr ? CopyOf(*value) : ReadAbsent(*operand.op, run);
+  } else if constexpr (kShape == Shape::Argument) {
+    const IxoMepValue* const value = FindArgument(operand, run);
+    return value != nullptr ? CopyOf(*value) : ReadAbsent(*operand.op, run);
+  } else {
+    return (*operand.op)(run);
+  }
+}
+
+// --- Numbers ------------------------------------------------------------------------------------
+
+template <Kind kKind>
+std::int32_t Wrapped(std::int32_t left, std::int32_t right) noexcept {
+  const auto a = static_cast<std::uint32_t>(left);
+  const auto b = static_cast<std::uint32_t>(right);
+  if constexpr (kKind == Kind::Plus) return static_cast<std::int32_t>(a + b);
+  if constexpr (kKind == Kind::Minus) return static_cast<std::int32_t>(a - b);
+  return static_cast<std::int32_t>(a * b);
+}
+
+template <Kind kKind, class T>
+bool Compared(T a, T b) noexcept {
+  if constexpr (kKind == Kind::Equal) return a == b;
+  if constexpr (kKind == Kind::NotEqual) return !(a == b);
+  if constexpr (kKind == Kind::Less) return a < b;
+  if constexpr (kKind == Kind::LessEqual) return a <= b;
+  if constexpr (kKind == Kind::Greater) return a > b;
+  return a >= b;
+}
+
+constexpr bool IsComparison(Kind kind) noexcept {
+  return kind >= Kind::Equal && kind <= Kind::Greater;
+}
+
+// The operator on two numbers; false for what is an error or no business of numbers.
+template <Kind kKind>
+bool Compute(Reg a, Reg b, Reg& result) noexcept {
+  if (a.tag == kTagInteger && b.tag == kTagInteger) {
+    const std::int32_t x = IntegerOf(a);
+    const std::int32_t y = IntegerOf(b);
+    if constexpr (kKind == Kind::Plus || kKind == Kind::Minus || kKind == Kind::Times) {
+      result = IntegerReg(Wrapped<kKind>(x, y));
+      return true;
+    } else if constexpr (kKind == Kind::Divide) {
+      if (y == 0) return false;
+      result = RealReg(static_cast<double>(x) / y);
+      return true;
+    } else if constexpr (kKind == Kind::Mod) {
+      if (y == 0) return false;
+      result = RealReg(static_cast<double>(std::int64_t{x} % y));
+      return true;
+    } else if constexpr (IsComparison(kKind)) {
+      result = IntegerReg(Compared<kKind>(x, y));
+      return true;
+    } else {
+      result = IntegerReg(kKind == Kind::And ? x != 0 && y != 0 : x != 0 || y != 0);
+      return true;
+    }
+  }
+  if constexpr (kKind == Kind::Mod) {
+    return false;
+  } else {
+    if (!IsNumber(a) || !IsNumber(b)) return false;
+    const double x = NumberOf(a);
+    const double y = NumberOf(b);
+    if constexpr (kKind == Kind::Plus) {
+      result = RealReg(x + y);
+    } else if constexpr (kKind == Kind::Minus) {
+      result = RealReg(x - y);
+    } else if constexpr (kKind == Kind::Times) {
+      result = RealReg(x * y);
+    } else if constexpr (kKind == Kind::Divide) {
+      if (y == 0.0) return false;
+      result = RealReg(x / y);
+    } else if constexpr (IsComparison(kKind)) {
+      const std::strong_ordering order = CompareDecimals(x, y);
+      result = IntegerReg(Compared<kKind>((order > 0) - (order < 0), 0));
+    } else {
+      result = IntegerReg(kKind == Kind::And ? x != 0.0 && y != 0.0 : x != 0.0 || y != 0.0);
+    }
+    return true;
+  }
+}
+
+// --- Everything else ----------------------------------------------------------------------------
+
+Reg Applied(IxoMepErrorEnum code, IxoMepValue&& out, Run& run) {
+  return code == IMEPERR_NONE ? RegOf(std::move(out)) : run.Fail(code);
+}
+
+Reg Apply(Kind kind, const IxoMepValue& left, const IxoMepValue& right, Run& run) {
+  IxoMepValue out;
+  const IxoMepErrorEnum code = ApplyBinaryTo(kind, left, right, out, run.Text());
+  return Applied(code, std::move(out), run);
+}
+
+// left is nobody else's any more: a text grows in place, which makes a chain of "+" linear.
+Reg ApplyOwned(Kind kind, IxoMepValue&& left, const IxoMepValue& right, Run& run) {
+  if (kind != Kind::Plus || left.GetType() != Type::String || right.GetType() != Type::String) {
+    return Apply(kind, left, right, run);
+  }
+  String& text = ValueAccess::Text(left);
+  const String& more = ValueAccess::Text(right);
+  try {
+    if (std::int64_t{text.Len()} + more.Len() <= String::kMaxLength) {
+      text += more;
+      return RegOf(std::move(left));
+    }
+  } catch (const std::bad_alloc&) {
+  }
+  return run.Fail(Raise(run.Text(), IMEPERR_TOO_LONG));
+}
+
+// The left operand is a text, an array or the like.
+[[gnu::noinline]] Reg CombineOwned(const BinaryOp& op, Reg left, Run& run) {
+  IxoMepValue value = OwnedValue(left);
+  IxoMepValue storage;
+  const IxoMepValue* const right = ReadOperand(op.right, run, storage);
+  if (right == nullptr) return {kTagFailed, 0};
+  return ApplyOwned(op.node->GetType(), std::move(value), *right, run);
+}
+
+[[gnu::noinline]] Reg Combine(const BinaryOp& op, Reg left, Reg right, Run& run) {
+  const IxoMepValue b = OwnedValue(right);
+  return Apply(op.node->GetType(), OwnedValue(left), b, run);
+}
+
+template <Kind kKind, Shape kLeft, Shape kRight>
+Reg RunBinary(const Op& op, Run& run) {
+  const auto& binary = As<BinaryOp>(op);
+  const Reg left = Fetch<kLeft>(binary.left, run);
+  if (!IsScalar(left.tag)) {
+    if (left.tag == kTagFailed) return left;
+    return CombineOwned(binary, left, run);
+  }
+  const Reg right = Fetch<kRight>(binary.right, run);
+  Reg result{};
+  if (Compute<kKind>(left, right, result)) return result;
+  if (right.tag == kTagFailed) return right;
+  return Combine(binary, left, right, run);
+}
+
+template <Kind kKind, Shape kLeft>
+constexpr Op::Fn BinaryOf(Shape right) noexcept {
+  switch (right) {
+    case Shape::Variable:
+      return &RunBinary<kKind, kLeft, Shape::Variable>;
+    case Shape::Argument:
+      return &RunBinary<kKind, kLeft, Shape::Argument>;
+    case Shape::Number:
+      return &RunBinary<kKind, kLeft, Shape::Number>;
+    default:
+      return &RunBinary<kKind, kLeft, Shape::General>;
+  }
+}
+
+template <Kind kKind>
+constexpr Op::Fn BinaryOf(Shape left, Shape right) noexcept {
+  switch (left) {
+    case Shape::Variable:
+      return BinaryOf<kKind, Shape::Variable>(right);
+    case Shape::Argument:
+      return BinaryOf<kKind, Shape::Argument>(right);
+    default:
+      return BinaryOf<kKind, Shape::General>(right);
+  }
+}
+
+// --- Prefix operators ---------------------------------------------------------------------------
+
+// The operator on one number; false for what is an error or no business of numbers.
+template <Kind kKind>
+bool Compute(Reg a, Reg& result) noexcept {
+  if constexpr (kKind == Kind::Minus) {
+    if (a.tag == kTagInteger) {
+      result = IntegerReg(Wrapped<Kind::Minus>(0, IntegerOf(a)));
+      return true;
+    }
+    if (a.tag != kTagReal) return false;
+    result = RealReg(-RealOf(a));
+    return true;
+  } else if constexpr (kKind == Kind::Not) {
+    if (!IsNumber(a)) return false;
+    result = IntegerReg(NumberOf(a) == 0.0);
+    return true;
+  } else {
+    static_assert(kKind == Kind::Real);
+    if (!IsNumber(a)) return false;
+    result = RealReg(NumberOf(a));
+    return true;
+  }
+}
+
+Reg ApplyPrefix(const Op& op, const IxoMepValue& operand, Run& run) {
+  IxoMepValue out;
+  const IxoMepErrorEnum code = ApplyUnaryTo(op.node->GetType(), operand, out, run.Text());
+  return Applied(code, std::move(out), run);
+}
+
+[[gnu::noinline]] Reg ApplyPrefix(const Op& op, Reg operand, Run& run) {
+  return ApplyPrefix(op, OwnedValue(operand), run);
+}
+
+template <Kind kKind>
+Reg RunNumberPrefix(const Op& op, Run& run) {
+  const Reg operand = (*As<UnaryOp>(op).operand.op)(run);
+  Reg result{};
+  if (Compute<kKind>(operand, result)) return result;
+  return operand.tag == kTagFailed ? operand : ApplyPrefix(op, operand, run);
+}
+
+Reg RunPrefix(const Op& op, Run& run) {
+  IxoMepValue storage;
+  const IxoMepValue* const operand = ReadOperand(As<UnaryOp>(op).operand, run, storage);
+  return operand != nullptr ? ApplyPrefix(op, *operand, run) : Reg{kTagFailed, 0};
+}
+
+}  // namespace
+
+Reg CopyOfOwner(const IxoMepValue& value) { return RegOf(IxoMepValue(value)); }
+
+const IxoMepValue* ReadOperand(const Operand& operand, Run& run, IxoMepValue& storage) {
+  const IxoMepValue* found = nullptr;
+  switch (operand.shape) {
+    case Shape::Variable:
+      found = run.Find(operand.name);
+      break;
+    case Shape::Argument:
+      found = FindArgument(operand, run);
+      break;
+    default:
+      if (operand.op->fn == &RunConstant) found = As<ConstantOp>(*operand.op).value;
+      break;
+  }
+  if (found != nullptr) return found;
+  const Reg result = (*operand.op)(run);
+  if (result.tag == kTagFailed) return nullptr;
+  storage = OwnedValue(result);
+  return &storage;
+}
+
+Reg RunConstant(const Op& op, Run&) { return CopyOf(*As<ConstantOp>(op).value); }
+
+Reg RunNumber(const Op& op, Run&) { return As<NumberOp>(op).number; }
+
+Reg RunVariable(const Op& op, Run& run) {
+  const IxoMepValue* const value = run.Find(As<VariableOp>(op).name);
+  return value != nullptr ? CopyOf(*value) : ReadAbsent(op, run);
+}
+
+Reg RunArgument(const Op& op, Run& run) {
+  const auto& argument = As<ArgumentOp>(op);
+  const IxoMepValue* value = run.Argument(argument.index);
+  if (value == nullptr) value = run.Find(argument.name);
+  return value != nullptr ? CopyOf(*value) : ReadAbsent(op, run);
+}
+
+// Base and index are quiet, so that the index may be read first and the node be evaluated again
+// the plain way for everything but a hit.
+Reg RunElement(const Op& op, Run& run) {
+  const auto& element = As<ElementOp>(op);
+  IxoMepValue storage;
+  IxoMepValue base_storage;
+  const IxoMepValue* index = ReadOperand(element.index, run, storage);
+  if (index == nullptr) return RunPlainly(op, run);
+  const IxoMepValue* const base = ReadOperand(element.base, run, base_storage);
+  if (base == nullptr) return {kTagFailed, 0};
+  // Evaluated the plain way, the base may have moved the arguments into a scope.
+  if (element.index.shape == Shape::Argument) index = ReadOperand(element.index, run, storage);
+  if (base->GetType() == Type::Array && index->GetType() == Type::Integer) {
+    const std::int32_t position = ValueAccess::Integer(*index);
+    if (position >= 0 && static_cast<std::size_t>(position) < ValueAccess::Count(*base)) {
+      return CopyOf(ValueAccess::Element(*base, static_cast<std::size_t>(position)));
+    }
+  } else if (base->GetType() == Type::Map) {
+    const IxoMepValue* const entry = ValueAccess::FindEntry(*base, ValueAccess::Follow(*index));
+    return entry != nullptr ? CopyOf(*entry) : Reg{kTagUndefined, 0};
+  }
+  return RunPlainly(op, run);
+}
+
+Op::Fn BinaryFunction(Kind kind, Shape left, Shape right) noexcept {
+  switch (kind) {
+    case Kind::Plus:
+      return BinaryOf<Kind::Plus>(left, right);
+    case Kind::Minus:
+      return BinaryOf<Kind::Minus>(left, right);
+    case Kind::Times:
+      return BinaryOf<Kind::Times>(left, right);
+    case Kind::Divide:
+      return BinaryOf<Kind::Divide>(left, right);
+    case Kind::Mod:
+      return BinaryOf<Kind::Mod>(left, right);
+    case Kind::Equal:
+      return BinaryOf<Kind::Equal>(left, right);
+    case Kind::NotEqual:
+      return BinaryOf<Kind::NotEqual>(left, right);
+    case Kind::Less:
+      return BinaryOf<Kind::Less>(left, right);
+    case Kind::LessEqual:
+      return BinaryOf<Kind::LessEqual>(left, right);
+    case Kind::Greater:
+      return BinaryOf<Kind::Greater>(left, right);
+    case Kind::GreaterEqual:
+      return BinaryOf<Kind::GreaterEqual>(left, right);
+    case Kind::And:
+      return BinaryOf<Kind::And>(left, right);
+    case Kind::Or:
+      return BinaryOf<Kind::Or>(left, right);
+    default:
+      return nullptr;
+  }
+}
+
+Op::Fn UnaryFunction(Kind kind) noexcept {
+  switch (kind) {
+    case Kind::Minus:
+      return &RunNumberPrefix<Kind::Minus>;
+    case Kind::Not:
+      return &RunNumberPrefix<Kind::Not>;
+    case Kind::Real:
+      return &RunNumberPrefix<Kind::Real>;
+    default:
+      return &RunPrefix;
+  }
+}
+
+}  // namespace ixomep

@@ -1,0 +1,111 @@
+// Internal: the operations of side programs as the compiler sees them: their operands, and the
+// functions that pick an operation for a node and the shapes of its operands.
+#pragma once
+
+#include <vector>
+
+#include "ixomep/expr/program.h"
+
+namespace ixomep {
+
+// How an operand is had: by its own operation, from a variable, from an argument of the lambda, or
+// as a number known beforehand.
+enum class Shape : std::uint8_t { General, Variable, Argument, Number };
+
+struct Operand {
+  Shape shape = Shape::General;
+  const Op* op = nullptr;  // always there: the operand as an operation of its own
+  NameRef name;            // of a variable or argument
+  std::int32_t argument = 0;
+  Reg number{0, 0};
+  bool quiet = false;  // evaluating it changes nothing and calls nobody
+};
+
+struct ConstantOp : Op {
+  const IxoMepValue* value = nullptr;
+};
+struct NumberOp : Op {
+  Reg number{0, 0};
+};
+struct VariableOp : Op {
+  NameRef name;
+};
+struct ArgumentOp : Op {
+  NameRef name;
+  std::int32_t index = 0;
+};
+struct UnaryOp : Op {
+  Operand operand;
+};
+struct BinaryOp : Op {
+  Operand left;
+  Operand right;
+};
+struct ElementOp : Op {
+  Operand base;
+  Operand index;
+};
+struct CondOp : Op {
+  struct Branch {
+    const Op* condition;
+    const Op* value;
+  };
+  std::vector<Branch> branches;
+  const Op* otherwise = nullptr;
+};
+struct WhileOp : Op {
+  const Op* condition = nullptr;
+  const Op* body = nullptr;
+  const Op* last = nullptr;  // may be null
+};
+struct ForOp : Op {
+  NameRef variable;
+  const Op* from = nullptr;
+  const Op* to = nullptr;
+  const Op* body = nullptr;
+  const Op* last = nullptr;  // may be null
+};
+struct SequenceOp : Op {
+  const Op* first = nullptr;
+  const Op* second = nullptr;
+};
+struct AssignOp : Op {
+  NameRef variable;
+  const Op* value = nullptr;
+  const BinaryOp* appended = nullptr;  // of `x := x + e` with a quiet e
+  bool quiet = false;                  // the right side changes nothing and calls nobody
+};
+struct AppendOp : Op {
+  NameRef variable;
+  const Op* value = nullptr;
+};
+struct CallOp : Op {
+  NameRef callee;
+  String name;
+  bool is_line_number = false;  // the one name that every parser knows
+  std::vector<const Op*> arguments;
+};
+
+// Reading: constants, variables, arguments.
+Reg RunConstant(const Op& op, Run& run);
+Reg RunNumber(const Op& op, Run& run);
+Reg RunVariable(const Op& op, Run& run);
+Reg RunArgument(const Op& op, Run& run);
+Reg RunElement(const Op& op, Run& run);
+// Operators; null for one that has no operation.
+Op::Fn BinaryFunction(IxoMepExprNodeType kind, Shape left, Shape right) noexcept;
+Op::Fn UnaryFunction(IxoMepExprNodeType kind) noexcept;
+// Control, assignment, calls. The forms without a result are for where nobody wants it.
+Reg RunCond(const Op& op, Run& run);
+Reg RunWhile(const Op& op, Run& run);
+Reg RunFor(const Op& op, Run& run);
+Reg RunSequence(const Op& op, Run& run);
+Reg RunAssign(const Op& op, Run& run);
+Reg RunAssignOnly(const Op& op, Run& run);
+Reg RunAppendOnly(const Op& op, Run& run);
+Reg RunCall(const Op& op, Run& run);
+
+// The operand's value where it stands, or made in storage; null after a failure.
+const IxoMepValue* ReadOperand(const Operand& operand, Run& run, IxoMepValue& storage);
+
+}  // namespace ixomep
