@@ -21,7 +21,7 @@ all: build-release ## install what is missing, build the release, show the shipp
 test: build-dev build-asan ## install what is missing, build, run every test, plain and under sanitizers
 	@$(call MAIN_JOB,dev) >/dev/null && echo "main job: mep show $(EXAMPLE): ok"
 	@printf 'subdirs("dev" "asan")\n' >build/CTestTestfile.cmake
-	@ctest --test-dir build --output-on-failure -j $(JOBS)
+	@ctest --test-dir build --no-label-summary --output-on-failure -j $(JOBS)
 
 quick: build-dev ## build and run the tests without sanitizers
 	@ctest --preset dev -j $(JOBS)

@@ -8,8 +8,7 @@ namespace ixomep {
 
 // A built-in function: gets the call node with its unevaluated parameters. Contract as Evaluate;
 // a function without a result sets frame.no_result.
-using BuiltinBody = IxoMepErrorEnum (*)(const IxoMepExprNode& call, Frame& frame,
-                                        IxoMepValue& out);
+using BuiltinBody = IxoMepErrorEnum (*)(const IxoMepExprNode& call, Frame& frame, IxoMepValue& out);
 
 // The function of that interned name, or null. Sixteen mathematical names included: they come
 // before the table.

@@ -36,9 +36,8 @@ class IXOMEP_API IxoMepExprNode {
   // strict: reading an unknown variable and every assignment fail with 20.
   using Handler = IxoMepErrorEnum(const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
                                   IxoMepValue*& result, String& errorText, bool strict) const;
-  using FunctionCallMap =
-      std::unordered_map<const char*, Handler IxoMepExprNode::*, ixomep::FunctionNameHash,
-                         ixomep::FunctionNameEqual>;
+  using FunctionCallMap = std::unordered_map<const char*, Handler IxoMepExprNode::*,
+                                             ixomep::FunctionNameHash, ixomep::FunctionNameEqual>;
 
   // One owner, no children. name is an interned address or null. The first node built fills the
   // table of built-in functions.
@@ -114,9 +113,9 @@ class IXOMEP_API IxoMepExprNode {
   static IxoMepErrorEnum EvaluateBinaryOpCall(IxoMepExprNodeType kind, const IxoMepValue& left,
                                               IxoMepValue& right, String& errorText, bool strict);
   // Calls the lambda with this call's parameters.
-  IxoMepErrorEnum EvaluateLambda(const IxoMepExprNode* lambda,
-                                 const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
-                                 IxoMepValue*& result, String& errorText, bool strict) const;
+  IxoMepErrorEnum EvaluateLambda(const IxoMepExprNode* lambda, const IxoMepExpressionParser* parser,
+                                 IxoMepValueSet* scope, IxoMepValue*& result, String& errorText,
+                                 bool strict) const;
   // The first one, two or three parameters in order; stops at the first failure.
   Handler GetParamResult;
   IxoMepErrorEnum GetParamResults(const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
@@ -130,19 +129,19 @@ class IXOMEP_API IxoMepExprNode {
   // Name to handler; filled once, before the first evaluation.
   static FunctionCallMap aFunctionCallMap;
 
-  Handler _cond, _mepwhile, _mepfor, _fortok, _meptry, _set;                    // control.cpp
+  Handler _cond, _mepwhile, _mepfor, _fortok, _meptry, _set;                      // control.cpp
   Handler _eval, _parse, _lambda, _error, _type, _valofvar, _curvars, _internal;  // meta.cpp
-  Handler _curly, _curlycolon, _array, _map, _merase, _object;                  // collections.cpp
-  Handler _tokcnt, _token, _tokindex, _tokcat, _tokunion, _tokisect, _tokdiff;  // token_lists.cpp
-  Handler _tokstr, _valtokstr, _strarray, _valarray;                            // token_lists.cpp
-  Handler _areplace, _aappend, _ainsert, _aerase, _asinsert;                    // arrays.cpp
-  Handler _search, _bsearch, _replace, _replall;                                // search.cpp
-  Handler _copy, _lower, _upper, _ilower, _iupper, _mstr, _uistr, _uival;       // strings.cpp
-  Handler _regex, _byte;                                                        // strings.cpp
-  Handler _base64encode, _base64decode, _toutf8, _fromutf8, _tooem, _fromoem;   // encodings.cpp
-  Handler _encodeuri, _tourlquerystring;                                        // encodings.cpp
-  Handler _pow, _min, _max, _random, _getTickCount, _abs;                       // numbers.cpp
-  Handler _rgbval, _rgb2hsv, _hsvval, _hsv2rgb;                                 // colors.cpp
+  Handler _curly, _curlycolon, _array, _map, _merase, _object;                    // collections.cpp
+  Handler _tokcnt, _token, _tokindex, _tokcat, _tokunion, _tokisect, _tokdiff;    // token_lists.cpp
+  Handler _tokstr, _valtokstr, _strarray, _valarray;                              // token_lists.cpp
+  Handler _areplace, _aappend, _ainsert, _aerase, _asinsert;                      // arrays.cpp
+  Handler _search, _bsearch, _replace, _replall;                                  // search.cpp
+  Handler _copy, _lower, _upper, _ilower, _iupper, _mstr, _uistr, _uival;         // strings.cpp
+  Handler _regex, _byte;                                                          // strings.cpp
+  Handler _base64encode, _base64decode, _toutf8, _fromutf8, _tooem, _fromoem;     // encodings.cpp
+  Handler _encodeuri, _tourlquerystring;                                          // encodings.cpp
+  Handler _pow, _min, _max, _random, _getTickCount, _abs;                         // numbers.cpp
+  Handler _rgbval, _rgb2hsv, _hsvval, _hsv2rgb;                                   // colors.cpp
   // The sixteen mathematical functions; name chooses.
   IxoMepErrorEnum _math(const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
                         const String& name, IxoMepValue*& result, String& errorText,

@@ -71,8 +71,8 @@ struct NodeAccess {
     return static_cast<Mark>(n.extra_references_ >> 30);
   }
   static void SetMark(const IxoMepExprNode& n, Mark mark) noexcept {
-    n.extra_references_ = (n.extra_references_ & IxoMepExprNode::kCountMask) |
-                          static_cast<std::uint32_t>(mark) << 30;
+    n.extra_references_ =
+        (n.extra_references_ & IxoMepExprNode::kCountMask) | static_cast<std::uint32_t>(mark) << 30;
   }
   // Returns the block to the pool; value and children are the caller's.
   static void Free(IxoMepExprNode& n) noexcept { delete &n; }

@@ -50,12 +50,12 @@ class IXOMEP_API IxoMepValueSet {
   void NewSetValue(const char* name, const IxoMepValue& value, bool local);
   void OldSetValue(const String& name, const IxoMepValue& value, bool local);
   template <class P>
-    requires std::is_pointer_v<P> && std::convertible_to<P, const IxoMepValue*>
+  requires std::is_pointer_v<P> && std::convertible_to<P, const IxoMepValue*>
   void NewSetValue(const char* name, P value, bool local) {
     NewSetValue(name, *static_cast<const IxoMepValue*>(value), local);
   }
   template <class P>
-    requires std::is_pointer_v<P> && std::convertible_to<P, const IxoMepValue*>
+  requires std::is_pointer_v<P> && std::convertible_to<P, const IxoMepValue*>
   void OldSetValue(const String& name, P value, bool local) {
     OldSetValue(name, *static_cast<const IxoMepValue*>(value), local);
   }
@@ -103,7 +103,8 @@ class IXOMEP_API IxoMepValueSet {
   std::uint32_t Count() const noexcept { return count_; }
 
   static std::uint32_t BucketOf(const char* name) noexcept {
-    return static_cast<std::uint32_t>(reinterpret_cast<std::int64_t>(name) % std::int64_t{kBuckets});
+    return static_cast<std::uint32_t>(reinterpret_cast<std::int64_t>(name) %
+                                      std::int64_t{kBuckets});
   }
   // BucketOf within 0 to 30, also for an address with its top bit set, whose remainder is negative.
   static std::uint32_t IndexOf(const char* name) noexcept {

@@ -106,8 +106,8 @@ class ScopedMemoryLimit {
   std::size_t previous_;
 };
 
-// The seed of a random test: the environment's MEP_TEST_SEED, else a new one in every run. Prints
-// it together with the number of rounds, so that a failure can be repeated.
+// The seed of a random test: the environment's MEP_TEST_SEED, else a fixed one. Prints it together
+// with the number of rounds, so that a run can be repeated or varied.
 std::uint32_t RandomSeed(int rounds);
 
 }  // namespace ixomep::test
