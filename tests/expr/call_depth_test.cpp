@@ -44,9 +44,9 @@ TEST(CallDepth, Counts_every_kind_of_node) {
 
 TEST(CallDepth, The_end_of_any_evaluation_starts_the_count_anew) {
   // A right operand begins after the left one has ended.
-  EXPECT_EQ(Shown(Nested("1 + (", 500, "1", ")")), "integer 501");
+  EXPECT_EQ(Shown(Nested("1 + (", 300, "1", ")")), "integer 301");
   EXPECT_EQ(Shown(Nested("abs(", 200, "0 + " + Nested("abs(", 200, "1", ")"), ")")), "integer 1");
-  EXPECT_EQ(Shown(Nested("max(1, ", 1000, "2", ")")), "integer 2");
+  EXPECT_EQ(Shown(Nested("max(1, ", 400, "2", ")")), "integer 2");
 }
 
 TEST(CallDepth, The_receiver_of_a_method_is_an_evaluation_that_ends) {
