@@ -6,7 +6,6 @@
 #include "ixomep/builtins/handlers.h"
 #include "ixomep/builtins/tokens.h"
 #include "ixomep/expr/capture.h"
-#include "ixomep/values/string_address_map.h"
 
 namespace ixomep::builtins {
 
@@ -33,12 +32,6 @@ IxoMepErrorEnum RunBody(Call& call, Place& place, IxoMepValue&& counter,
   if (const IxoMepErrorEnum code = place.Store(call.frame(), std::move(counter))) return code;
   IxoMepValue unwanted;
   return EvaluateOperand(body, call.frame(), unwanted);
-}
-
-bool IsLambdaCall(const IxoMepExprNode& node) {
-  static const char* const lambda = Intern("lambda");
-  return node.GetType() == IxoMepExprNodeType::FunctionCall && node.GetParam0() != nullptr &&
-         node.GetParam0()->GetNameAddress() == lambda;
 }
 
 }  // namespace

@@ -21,6 +21,9 @@ NodePtr CopyBody(const IxoMepExprNode& body, const IxoMepValueSet* scope,
                  const std::vector<const char*>& excluded_names,
                  const char* recursive_name = nullptr);
 
+// Is the node a call of "lambda", whose result learns the name it is assigned to?
+bool IsLambdaCall(const IxoMepExprNode& node);
+
 // The name of the variable that a lambda is about to be assigned to. An assignment makes one of
 // these just around the evaluation of a right side that is itself a call of "lambda"; the built-in
 // takes it, so that nothing evaluated later can see it.

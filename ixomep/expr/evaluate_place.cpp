@@ -36,13 +36,13 @@ bool IsContainer(const IxoMepValue& value) noexcept {
   return value.GetType() == Type::Array || value.GetType() == Type::Map;
 }
 
-bool IsLambdaCall(const IxoMepExprNode& node) {
-  static const char* const kLambda = Intern("lambda");
-  return node.GetType() == Kind::FunctionCall && node.Left() != nullptr &&
-         node.Left()->GetNameAddress() == kLambda;
-}
-
 }  // namespace
+
+bool IsLambdaCall(const IxoMepExprNode& node) {
+  static const char* const lambda = Intern("lambda");
+  return node.GetType() == Kind::FunctionCall && node.Left() != nullptr &&
+         node.Left()->GetNameAddress() == lambda;
+}
 
 bool Place::IsPlace(const IxoMepExprNode& node) noexcept {
   return RootOf(node).GetType() == Kind::Variable;

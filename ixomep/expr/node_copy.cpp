@@ -101,7 +101,7 @@ class Copier {
   void PlanChildren(const IxoMepExprNode& source, IxoMepExprNode& copy) {
     switch (source.GetType()) {
       case Kind::FunctionCall:
-        if (IsLambdaCall(source)) return PlanLambdaCall(source, copy);
+        if (BuildsLambda(source)) return PlanLambdaCall(source, copy);
         Later(source.Right(), copy, Side::Right);
         return Later(source.Left(), copy, Side::Left, Role::Callee);
       case Kind::ObjectSubscription:
@@ -116,7 +116,7 @@ class Copier {
   }
 
   // Does evaluating the node build a lambda? Only a capture needs to know.
-  bool IsLambdaCall(const IxoMepExprNode& call) const {
+  bool BuildsLambda(const IxoMepExprNode& call) const {
     static const char* const lambda = Intern("lambda");
     const IxoMepExprNode* const callee = call.Left();
     return scope_ != nullptr && callee != nullptr && callee->GetType() == Kind::Variable &&

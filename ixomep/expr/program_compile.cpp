@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "ixomep/expr/builtin_table.h"
+#include "ixomep/expr/capture.h"
 #include "ixomep/expr/operator_table.h"
 #include "ixomep/expr/program_ops.h"
 #include "ixomep/values/string_address_map.h"
@@ -200,11 +201,10 @@ class Compiler {
 
   // To a name. A lambda that is assigned learns that name, which the plain way sees to.
   const Op* MakeAssign(const IxoMepExprNode& node, SpineDepth depth, Op::Fn fn) {
-    static const char* const lambda = Intern("lambda");
     const IxoMepExprNode* const target = node.Left();
     const IxoMepExprNode* const source = node.Right();
     if (target == nullptr || source == nullptr || target->GetType() != Kind::Variable ||
-        IsCallOf(*source, lambda)) {
+        IsLambdaCall(*source)) {
       return Plain(node, depth);
     }
     auto& op = New<AssignOp>(node, depth, fn);
