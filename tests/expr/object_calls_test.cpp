@@ -55,6 +55,11 @@ TEST_F(ObjectCalls, The_variable_of_an_outer_scope_is_reached_from_inside_a_lamb
             "array {9, 9}");
 }
 
+TEST_F(ObjectCalls, A_parameter_as_the_key_of_merase_stands_for_what_it_refers_to) {
+  AddMethod("f", "lambda(v, (m := {\"a\": 1, \"b\": 2}, merase(m, v), m))");
+  EXPECT_EQ(Shown("k := \"a\", o.f(k)", &scope), "map {\"b\": 2}");
+}
+
 TEST_F(ObjectCalls, A_result_is_a_copy_of_what_a_parameter_refers_to) {
   AddMethod("f", "lambda(p, p)");
   EXPECT_EQ(Shown("x := 5, o.f(x)", &scope), "integer 5");
