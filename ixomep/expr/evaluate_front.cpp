@@ -72,12 +72,6 @@ void ixomep::FailResult(IxoMepValue*& slot, const IxoMepValueSet* scope) noexcep
   }
 }
 
-IxoMepErrorEnum ixomep::EvaluateToSlot(const IxoMepExprNode& root,
-                                       const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
-                                       IxoMepValue*& result, String& text, bool strict) {
-  return RunWorker(ixomep::EvaluateTree, root, parser, scope, result, text, strict);
-}
-
 IxoMepErrorEnum IxoMepExprNode::Evaluate(const IxoMepExpressionParser* parser,
                                          IxoMepValueSet* scope, IxoMepValue*& result,
                                          String& errorText, bool strict) const {

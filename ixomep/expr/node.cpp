@@ -17,8 +17,6 @@ using Kind = IxoMepExprNodeType;
 
 namespace {
 
-constexpr std::uint32_t kMaxExtraReferences = 65535;
-
 using NodePool = ixomep::FreeList<IxoMepExprNode, 32>;
 static_assert(sizeof(IxoMepExprNode) == 32);
 
@@ -98,10 +96,7 @@ void IxoMepExprNode::operator delete(void* block) noexcept {
 // At the cap the copy takes its children with NewReference too. That recursion is shallow: a child
 // reaches its cap only through 65535 copies of its parent.
 IxoMepExprNode* IxoMepExprNode::NewReference() {
-  if (ExtraReferences() < kMaxExtraReferences) {
-    ++extra_references_;
-    return this;
-  }
+  if (NodeAccess::AddFurtherOwner(*this)) return this;
   NodePtr copy = NodePtr::Make(kind_, name_);
   if (kind_ != Kind::Constant) {
     NodeAccess::SetLeft(*copy, NodePtr::Share(left_));

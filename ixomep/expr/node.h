@@ -152,6 +152,7 @@ class IXOMEP_API IxoMepExprNode {
   // The count of further owners never passes 16 bits; the top two bits beside it tell what the
   // engine knows of the tree that begins here (NodeAccess::Mark).
   static constexpr std::uint32_t kCountMask = 0x3fffffffu;
+  static constexpr std::uint32_t kMaxExtraReferences = 65535;
   ~IxoMepExprNode() = default;  // DeleteReference is the only way out
 
   static void InitFunctionCallMap();  // ../builtins/table.cpp

@@ -28,9 +28,7 @@ class NodePtr {
   ~NodePtr() { Reset(); }
 
   // A further owner of a node that lives already.
-  static NodePtr Share(const IxoMepExprNode* node) {
-    return NodePtr(node != nullptr ? const_cast<IxoMepExprNode*>(node)->NewReference() : nullptr);
-  }
+  static NodePtr Share(const IxoMepExprNode* node);
   static NodePtr Make(IxoMepExprNodeType kind, const char* name = nullptr) {
     return NodePtr(new IxoMepExprNode(kind, name));
   }
@@ -40,9 +38,7 @@ class NodePtr {
   IxoMepExprNode& operator*() const noexcept { return *node_; }
   explicit operator bool() const noexcept { return node_ != nullptr; }
   IxoMepExprNode* Release() noexcept { return std::exchange(node_, nullptr); }
-  void Reset() noexcept {
-    if (node_ != nullptr) std::exchange(node_, nullptr)->DeleteReference();
-  }
+  void Reset() noexcept;
 
  private:
   IxoMepExprNode* node_ = nullptr;
@@ -59,6 +55,12 @@ struct NodeAccess {
   static void SetValue(IxoMepExprNode& n, ValuePtr value) noexcept { n.value_ = value.release(); }
   static void SetKind(IxoMepExprNode& n, IxoMepExprNodeType kind) noexcept { n.kind_ = kind; }
   static void SetName(IxoMepExprNode& n, const char* name) noexcept { n.name_ = name; }
+  // Counts one further owner; false when the count is at its cap.
+  static bool AddFurtherOwner(const IxoMepExprNode& n) noexcept {
+    if (n.ExtraReferences() == IxoMepExprNode::kMaxExtraReferences) return false;
+    ++n.extra_references_;
+    return true;
+  }
   // Gives one further owner back; false when there was none, and n is its last owner's.
   static bool DropFurtherOwner(IxoMepExprNode& n) noexcept {
     if ((n.extra_references_ & IxoMepExprNode::kCountMask) == 0) return false;
@@ -77,5 +79,16 @@ struct NodeAccess {
   // Returns the block to the pool; value and children are the caller's.
   static void Free(IxoMepExprNode& n) noexcept { delete &n; }
 };
+
+inline NodePtr NodePtr::Share(const IxoMepExprNode* node) {
+  auto* const shared = const_cast<IxoMepExprNode*>(node);
+  if (node == nullptr || NodeAccess::AddFurtherOwner(*node)) return NodePtr(shared);
+  return NodePtr(shared->NewReference());
+}
+
+inline void NodePtr::Reset() noexcept {
+  IxoMepExprNode* const node = std::exchange(node_, nullptr);
+  if (node != nullptr && !NodeAccess::DropFurtherOwner(*node)) node->DeleteReference();
+}
 
 }  // namespace ixomep

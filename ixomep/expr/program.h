@@ -90,11 +90,7 @@ class Run {
 
   // A root, or a lambda whose scope is there already: everything is in frame.scope.
   Run(Frame& frame, std::int32_t entry_depth) noexcept
-      : frame_(frame),
-        lookup_(frame.scope),
-        entry_depth_(entry_depth),
-        has_plain_parser_(frame.parser == nullptr ||
-                          typeid(*frame.parser) == typeid(IxoMepExpressionParser)) {}
+      : frame_(frame), lookup_(frame.scope), entry_depth_(entry_depth) {}
   // A lambda called from `caller` with its arguments, as many as it has parameters. frame is the
   // level's own; its scope counts only when the level has one.
   Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* arguments,
@@ -108,8 +104,15 @@ class Run {
   bool IsStrict() const noexcept { return frame_.strict; }
   String& Text() noexcept { return frame_.text; }
   const IxoMepExpressionParser* Parser() const noexcept { return frame_.parser; }
-  // Does no host answer calls? Then they need not be handed to one.
-  bool HasPlainParser() const noexcept { return has_plain_parser_; }
+  // Does no host answer calls? Then they need not be handed to one. Found out when first asked.
+  bool HasPlainParser() noexcept {
+    if (calls_ == Calls::NotLooked) {
+      const bool is_plain = frame_.parser == nullptr ||
+                            typeid(*frame_.parser) == typeid(IxoMepExpressionParser);
+      calls_ = is_plain ? Calls::OfLambdas : Calls::OfTheHost;
+    }
+    return calls_ == Calls::OfLambdas;
+  }
   std::int32_t EntryDepth() const noexcept { return entry_depth_; }
   // Makes the level's scope, and those of its callers, when they have none yet.
   Frame& RealFrame() {
@@ -122,10 +125,11 @@ class Run {
   }
   // The variable's value here and now (borrowed), null when absent.
   const IxoMepValue* Find(const NameRef& ref) const noexcept {
-    if ((waiting_ & ref.bit) != 0) {
-      if (const IxoMepValue* const found = FindArgument(ref.name)) return found;
+    if ((waiting_ & ref.bit) == 0 && lookup_ != nullptr) [[likely]] {
+      const IxoMepValue* const found = lookup_->FindInline(ref.bucket, ref.name);
+      if (found != nullptr) return found;
     }
-    return lookup_ != nullptr ? lookup_->FindInBucket(ref.bucket, ref.name) : nullptr;
+    return FindFarther(ref);
   }
 
   Reg Fail(IxoMepErrorEnum failure) noexcept {
@@ -139,6 +143,9 @@ class Run {
   void MakeScope();
   void GiveScopeBack() noexcept;
   const IxoMepValue* FindArgument(const char* name) const noexcept;
+  const IxoMepValue* FindFarther(const NameRef& ref) const noexcept;
+
+  enum class Calls : std::uint8_t { NotLooked, OfLambdas, OfTheHost };
 
   Frame& frame_;
   IxoMepValueSet* lookup_;     // the innermost scope that is there
@@ -148,7 +155,7 @@ class Run {
   IxoMepValue* arguments_ = nullptr;  // null when the level's variables are in frame_.scope
   std::int32_t entry_depth_;
   bool owns_scope_ = false;
-  bool has_plain_parser_;
+  Calls calls_ = Calls::NotLooked;
 };
 
 // Where the count of begun evaluations stands when a node's evaluation begins: at a number, or
@@ -218,18 +225,32 @@ class Program {
 // walked: too deep, or a lambda of unusual shape.
 std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node);
 
+// The programs that were asked for last, one for each slot: finding one again is a comparison.
+struct CachedProgram {
+  const IxoMepExprNode* node = nullptr;
+  const Program* program = nullptr;
+};
+inline constexpr std::size_t kCachedPrograms = 256;
+extern CachedProgram cached_programs[kCachedPrograms];
+inline CachedProgram& CachedProgramFor(const IxoMepExprNode& node) noexcept {
+  return cached_programs[(reinterpret_cast<std::uintptr_t>(&node) >> 5) % kCachedPrograms];
+}
+
 // The program of that node: null on the first call, so that what is evaluated once is not
 // compiled, and for trees without one. Valid while the node lives.
-const Program* ProgramFor(const IxoMepExprNode& node);
+const Program* FindProgram(const IxoMepExprNode& node);
+inline const Program* ProgramFor(const IxoMepExprNode& node) {
+  const CachedProgram& cached = CachedProgramFor(node);
+  return cached.node == &node ? cached.program : FindProgram(node);
+}
 // Off: everything is walked, until it is switched on again. For comparing both ways. Gives what
 // was set before.
 bool UsePrograms(bool use) noexcept;
 // Called when a node that ProgramFor has seen is destroyed.
 void ForgetProgram(const IxoMepExprNode& node) noexcept;
 
-// Evaluates the tree by its program when it has one, else plainly. Contract as Evaluate.
-IxoMepErrorEnum EvaluateTree(const IxoMepExprNode& root, Frame& frame, IxoMepValue& out);
-// The same through a result slot, for IxoMepExpressionParser::Evaluate (evaluate_front.cpp).
+// Evaluates the tree by its program when it has one, else plainly; contract as
+// IxoMepExprNode::Evaluate.
 IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
                                IxoMepValueSet* scope, IxoMepValue*& result, String& text,
                                bool strict);

@@ -188,7 +188,7 @@ Run::Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* argument
       lambda_(&lambda),
       arguments_(arguments),
       entry_depth_(entry_depth),
-      has_plain_parser_(caller.has_plain_parser_) {}
+      calls_(caller.calls_) {}
 
 const IxoMepValue* Run::FindArgument(const char* name) const noexcept {
   for (const Run* level = this; level != nullptr && level->arguments_ != nullptr;
@@ -198,6 +198,13 @@ const IxoMepValue* Run::FindArgument(const char* name) const noexcept {
     }
   }
   return nullptr;
+}
+
+const IxoMepValue* Run::FindFarther(const NameRef& ref) const noexcept {
+  if ((waiting_ & ref.bit) != 0) {
+    if (const IxoMepValue* const found = FindArgument(ref.name)) return found;
+  }
+  return lookup_ != nullptr ? lookup_->FindInBucket(ref.bucket, ref.name) : nullptr;
 }
 
 // The callers' scopes first, outermost to innermost; without recursion, for calls nest deeply.

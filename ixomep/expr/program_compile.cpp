@@ -167,8 +167,9 @@ class Compiler {
   const Op* MakeOperator(const IxoMepExprNode& node, SpineDepth depth) {
     if (node.Right() == nullptr) return Plain(node, depth);
     if (node.Left() == nullptr) {
-      auto& op = New<UnaryOp>(node, depth, UnaryFunction(node.GetType()));
+      auto& op = New<UnaryOp>(node, depth, nullptr);
       op.operand = MakeOperand(*node.Right(), depth.Inside());
+      op.fn = UnaryFunction(node.GetType(), op.operand.shape);
       return &op;
     }
     if (BinaryFunction(node.GetType(), Shape::General, Shape::General) == nullptr) {

@@ -38,9 +38,9 @@ const IxoMepValue* FindArgument(const Operand& operand, const Run& run) noexcept
 }
 
 template <Shape kShape>
-Reg Fetch(const Operand& operand, Run& run) {
+[[gnu::always_inline]] inline Reg Fetch(const Operand& operand, Run& run) {
   if constexpr (kShape == Shape::Number) {
-    return operand.number;
+    return {operand.number.tag, operand.number.bits};
   } else if constexpr (kShape == Shape::Variable) {
     const IxoMepValue* const value = run.Find(operand.name);
     return value != nullptr ? CopyOf(*value) : ReadAbsent(*operand.op, run);
@@ -73,57 +73,58 @@ bool Compared(T a, T b) noexcept {
   return a >= b;
 }
 
+// An operation on numbers that leaves the operands to the operator tables.
+constexpr Reg kNotMine{-3, 0};
+
 constexpr bool IsComparison(Kind kind) noexcept {
   return kind >= Kind::Equal && kind <= Kind::Greater;
 }
 
-// The operator on two numbers; false for what is an error or no business of numbers.
+// The operator on two integers; kNotMine for what is an error.
 template <Kind kKind>
-bool Compute(Reg a, Reg b, Reg& result) noexcept {
+Reg ComputeIntegers(std::int32_t x, std::int32_t y) noexcept {
+  if constexpr (kKind == Kind::Plus || kKind == Kind::Minus || kKind == Kind::Times) {
+    return IntegerReg(Wrapped<kKind>(x, y));
+  } else if constexpr (kKind == Kind::Divide) {
+    return y != 0 ? RealReg(static_cast<double>(x) / y) : kNotMine;
+  } else if constexpr (kKind == Kind::Mod) {
+    return y != 0 ? RealReg(static_cast<double>(std::int64_t{x} % y)) : kNotMine;
+  } else if constexpr (IsComparison(kKind)) {
+    return IntegerReg(Compared<kKind>(x, y));
+  } else {
+    return IntegerReg(kKind == Kind::And ? x != 0 && y != 0 : x != 0 || y != 0);
+  }
+}
+
+template <Kind kKind>
+Reg ComputeReals(double x, double y) noexcept {
+  if constexpr (kKind == Kind::Plus) {
+    return RealReg(x + y);
+  } else if constexpr (kKind == Kind::Minus) {
+    return RealReg(x - y);
+  } else if constexpr (kKind == Kind::Times) {
+    return RealReg(x * y);
+  } else if constexpr (kKind == Kind::Divide) {
+    return y != 0.0 ? RealReg(x / y) : kNotMine;
+  } else if constexpr (IsComparison(kKind)) {
+    const std::strong_ordering order = CompareDecimals(x, y);
+    return IntegerReg(Compared<kKind>((order > 0) - (order < 0), 0));
+  } else {
+    return IntegerReg(kKind == Kind::And ? x != 0.0 && y != 0.0 : x != 0.0 || y != 0.0);
+  }
+}
+
+// The operator on two numbers; kNotMine for what is an error or no business of numbers.
+template <Kind kKind>
+[[gnu::always_inline]] inline Reg Compute(Reg a, Reg b) noexcept {
   if (a.tag == kTagInteger && b.tag == kTagInteger) {
-    const std::int32_t x = IntegerOf(a);
-    const std::int32_t y = IntegerOf(b);
-    if constexpr (kKind == Kind::Plus || kKind == Kind::Minus || kKind == Kind::Times) {
-      result = IntegerReg(Wrapped<kKind>(x, y));
-      return true;
-    } else if constexpr (kKind == Kind::Divide) {
-      if (y == 0) return false;
-      result = RealReg(static_cast<double>(x) / y);
-      return true;
-    } else if constexpr (kKind == Kind::Mod) {
-      if (y == 0) return false;
-      result = RealReg(static_cast<double>(std::int64_t{x} % y));
-      return true;
-    } else if constexpr (IsComparison(kKind)) {
-      result = IntegerReg(Compared<kKind>(x, y));
-      return true;
-    } else {
-      result = IntegerReg(kKind == Kind::And ? x != 0 && y != 0 : x != 0 || y != 0);
-      return true;
-    }
+    return ComputeIntegers<kKind>(IntegerOf(a), IntegerOf(b));
   }
   if constexpr (kKind == Kind::Mod) {
-    return false;
+    return kNotMine;
   } else {
-    if (!IsNumber(a) || !IsNumber(b)) return false;
-    const double x = NumberOf(a);
-    const double y = NumberOf(b);
-    if constexpr (kKind == Kind::Plus) {
-      result = RealReg(x + y);
-    } else if constexpr (kKind == Kind::Minus) {
-      result = RealReg(x - y);
-    } else if constexpr (kKind == Kind::Times) {
-      result = RealReg(x * y);
-    } else if constexpr (kKind == Kind::Divide) {
-      if (y == 0.0) return false;
-      result = RealReg(x / y);
-    } else if constexpr (IsComparison(kKind)) {
-      const std::strong_ordering order = CompareDecimals(x, y);
-      result = IntegerReg(Compared<kKind>((order > 0) - (order < 0), 0));
-    } else {
-      result = IntegerReg(kKind == Kind::And ? x != 0.0 && y != 0.0 : x != 0.0 || y != 0.0);
-    }
-    return true;
+    if (!IsNumber(a) || !IsNumber(b)) return kNotMine;
+    return ComputeReals<kKind>(NumberOf(a), NumberOf(b));
   }
 }
 
@@ -179,10 +180,9 @@ Reg RunBinary(const Op& op, Run& run) {
     return CombineOwned(binary, left, run);
   }
   const Reg right = Fetch<kRight>(binary.right, run);
-  Reg result{};
-  if (Compute<kKind>(left, right, result)) return result;
-  if (right.tag == kTagFailed) return right;
-  return Combine(binary, left, right, run);
+  const Reg result = Compute<kKind>(left, right);
+  if (result.tag != kNotMine.tag) [[likely]] return result;
+  return right.tag == kTagFailed ? right : Combine(binary, left, right, run);
 }
 
 template <Kind kKind, Shape kLeft>
@@ -206,6 +206,8 @@ constexpr Op::Fn BinaryOf(Shape left, Shape right) noexcept {
       return BinaryOf<kKind, Shape::Variable>(right);
     case Shape::Argument:
       return BinaryOf<kKind, Shape::Argument>(right);
+    case Shape::Number:
+      return BinaryOf<kKind, Shape::Number>(right);
     default:
       return BinaryOf<kKind, Shape::General>(right);
   }
@@ -213,26 +215,18 @@ constexpr Op::Fn BinaryOf(Shape left, Shape right) noexcept {
 
 // --- Prefix operators ---------------------------------------------------------------------------
 
-// The operator on one number; false for what is an error or no business of numbers.
+// The operator on one number; kNotMine for what is an error or no business of numbers.
 template <Kind kKind>
-bool Compute(Reg a, Reg& result) noexcept {
+[[gnu::always_inline]] inline Reg Compute(Reg a) noexcept {
+  if (!IsNumber(a)) return kNotMine;
   if constexpr (kKind == Kind::Minus) {
-    if (a.tag == kTagInteger) {
-      result = IntegerReg(Wrapped<Kind::Minus>(0, IntegerOf(a)));
-      return true;
-    }
-    if (a.tag != kTagReal) return false;
-    result = RealReg(-RealOf(a));
-    return true;
+    return a.tag == kTagInteger ? IntegerReg(Wrapped<Kind::Minus>(0, IntegerOf(a)))
+                                : RealReg(-RealOf(a));
   } else if constexpr (kKind == Kind::Not) {
-    if (!IsNumber(a)) return false;
-    result = IntegerReg(NumberOf(a) == 0.0);
-    return true;
+    return IntegerReg(NumberOf(a) == 0.0);
   } else {
     static_assert(kKind == Kind::Real);
-    if (!IsNumber(a)) return false;
-    result = RealReg(NumberOf(a));
-    return true;
+    return RealReg(NumberOf(a));
   }
 }
 
@@ -246,12 +240,24 @@ Reg ApplyPrefix(const Op& op, const IxoMepValue& operand, Run& run) {
   return ApplyPrefix(op, OwnedValue(operand), run);
 }
 
-template <Kind kKind>
+template <Kind kKind, Shape kShape>
 Reg RunNumberPrefix(const Op& op, Run& run) {
-  const Reg operand = (*As<UnaryOp>(op).operand.op)(run);
-  Reg result{};
-  if (Compute<kKind>(operand, result)) return result;
+  const Reg operand = Fetch<kShape>(As<UnaryOp>(op).operand, run);
+  const Reg result = Compute<kKind>(operand);
+  if (result.tag != kNotMine.tag) [[likely]] return result;
   return operand.tag == kTagFailed ? operand : ApplyPrefix(op, operand, run);
+}
+
+template <Kind kKind>
+constexpr Op::Fn NumberPrefixOf(Shape operand) noexcept {
+  switch (operand) {
+    case Shape::Variable:
+      return &RunNumberPrefix<kKind, Shape::Variable>;
+    case Shape::Argument:
+      return &RunNumberPrefix<kKind, Shape::Argument>;
+    default:
+      return &RunNumberPrefix<kKind, Shape::General>;
+  }
 }
 
 Reg RunPrefix(const Op& op, Run& run) {
@@ -300,10 +306,40 @@ Reg RunArgument(const Op& op, Run& run) {
   return value != nullptr ? CopyOf(*value) : ReadAbsent(op, run);
 }
 
+// The stored value of a name, and the element that two names or a name and a number select; null
+// for everything else.
+const IxoMepValue* Peek(const Operand& operand, const Run& run) noexcept {
+  if (operand.shape == Shape::Variable) return run.Find(operand.name);
+  return operand.shape == Shape::Argument ? FindArgument(operand, run) : nullptr;
+}
+
+bool PeekIndex(const Operand& operand, const Run& run, std::int32_t& index) noexcept {
+  if (operand.shape == Shape::Number) {
+    index = IntegerOf(operand.number);
+    return operand.number.tag == kTagInteger;
+  }
+  const IxoMepValue* const value = Peek(operand, run);
+  if (value == nullptr || value->GetType() != Type::Integer) return false;
+  index = ValueAccess::Integer(*value);
+  return true;
+}
+
+const IxoMepValue* PeekElement(const ElementOp& element, const Run& run) noexcept {
+  const IxoMepValue* const base = Peek(element.base, run);
+  std::int32_t index = 0;
+  if (base == nullptr || base->GetType() != Type::Array || !PeekIndex(element.index, run, index)) {
+    return nullptr;
+  }
+  return ValueAccess::HasElement(*base, index)
+             ? &ValueAccess::Element(*base, static_cast<std::size_t>(index))
+             : nullptr;
+}
+
 // Base and index are quiet, so that the index may be read first and the node be evaluated again
 // the plain way for everything but a hit.
 Reg RunElement(const Op& op, Run& run) {
   const auto& element = As<ElementOp>(op);
+  if (const IxoMepValue* const value = PeekElement(element, run)) return CopyOf(*value);
   IxoMepValue storage;
   IxoMepValue base_storage;
   const IxoMepValue* index = ReadOperand(element.index, run, storage);
@@ -357,14 +393,14 @@ Op::Fn BinaryFunction(Kind kind, Shape left, Shape right) noexcept {
   }
 }
 
-Op::Fn UnaryFunction(Kind kind) noexcept {
+Op::Fn UnaryFunction(Kind kind, Shape operand) noexcept {
   switch (kind) {
     case Kind::Minus:
-      return &RunNumberPrefix<Kind::Minus>;
+      return NumberPrefixOf<Kind::Minus>(operand);
     case Kind::Not:
-      return &RunNumberPrefix<Kind::Not>;
+      return NumberPrefixOf<Kind::Not>(operand);
     case Kind::Real:
-      return &RunNumberPrefix<Kind::Real>;
+      return NumberPrefixOf<Kind::Real>(operand);
     default:
       return &RunPrefix;
   }

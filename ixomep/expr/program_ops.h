@@ -94,7 +94,7 @@ Reg RunArgument(const Op& op, Run& run);
 Reg RunElement(const Op& op, Run& run);
 // Operators; null for one that has no operation.
 Op::Fn BinaryFunction(IxoMepExprNodeType kind, Shape left, Shape right) noexcept;
-Op::Fn UnaryFunction(IxoMepExprNodeType kind) noexcept;
+Op::Fn UnaryFunction(IxoMepExprNodeType kind, Shape operand) noexcept;
 // Control, assignment, calls. The forms without a result are for where nobody wants it.
 Reg RunCond(const Op& op, Run& run);
 Reg RunWhile(const Op& op, Run& run);

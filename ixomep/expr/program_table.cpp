@@ -1,11 +1,13 @@
 // Which tree has which side program. A node carries two marks beside its count of owners: whether
 // it was evaluated before, and whether there is an entry for it here, which its destruction
 // removes. A small direct-mapped cache in front makes finding a program one comparison.
-#include <array>
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <unordered_map>
 #include <utility>
 
+#include "ixomep/expr/guarded.h"
 #include "ixomep/expr/node_ptr.h"
 #include "ixomep/expr/program.h"
 #include "ixomep/expr/stack_guard.h"
@@ -26,37 +28,19 @@ class Table {
     return *table;
   }
 
-  const Program* Find(const IxoMepExprNode& node) {
-    Cached& cached = CachedFor(node);
-    if (cached.node != &node) {
-      const auto found = programs_.find(&node);
-      cached = {&node, found != programs_.end() ? found->second.get() : nullptr};
-    }
-    return cached.program;
+  const Program* Find(const IxoMepExprNode& node) const {
+    const auto found = programs_.find(&node);
+    return found != programs_.end() ? found->second.get() : nullptr;
   }
 
   void Add(const IxoMepExprNode& node, std::unique_ptr<Program> program) {
     programs_[&node] = std::move(program);
   }
 
-  void Remove(const IxoMepExprNode& node) noexcept {
-    Cached& cached = CachedFor(node);
-    if (cached.node == &node) cached = {};
-    programs_.erase(&node);
-  }
+  void Remove(const IxoMepExprNode& node) noexcept { programs_.erase(&node); }
 
  private:
-  struct Cached {
-    const IxoMepExprNode* node = nullptr;
-    const Program* program = nullptr;
-  };
-
-  Cached& CachedFor(const IxoMepExprNode& node) noexcept {
-    return cache_[(reinterpret_cast<std::uintptr_t>(&node) >> 5) % cache_.size()];
-  }
-
   std::unordered_map<const IxoMepExprNode*, std::unique_ptr<Program>> programs_;
-  std::array<Cached, 256> cache_{};
 };
 
 // Sets the counter back however the evaluation ends.
@@ -64,19 +48,29 @@ struct DepthAtEnd {
   ~DepthAtEnd() { IxoMepExprNode::m_nCallDepth = 0; }
 };
 
+// The program to evaluate the keeper by; null when its tree is to be walked.
+const Program* ProgramWithRoom(const IxoMepExprNode& keeper) {
+  const Program* const program = ProgramFor(keeper);
+  if (program == nullptr) return nullptr;
+  const bool fits = IxoMepExprNode::m_nCallDepth + program->spine <= kLongestSpine;
+  return fits && StackGuard::HasRoom() ? program : nullptr;
+}
+
+Reg RunProgram(const Program& program, Frame& frame, IxoMepErrorEnum& code) {
+  const DepthAtEnd at_end;
+  Run run(frame, IxoMepExprNode::m_nCallDepth);
+  const Reg result = (*program.root)(run);
+  if (result.tag == kTagFailed) code = run.code;
+  return result;
+}
+
 // False, and nothing is done, when the tree is to be walked.
 bool EvaluateByProgram(const IxoMepExprNode& keeper, Frame& frame, IxoMepValue& out,
                        IxoMepErrorEnum& code) {
-  const Program* const program = ProgramFor(keeper);
-  const std::int32_t depth = IxoMepExprNode::m_nCallDepth;
-  if (program == nullptr || depth + program->spine > kLongestSpine || !StackGuard::HasRoom()) {
-    return false;
-  }
-  const DepthAtEnd at_end;
-  Run run(frame, depth);
-  const Reg result = (*program->root)(run);
+  const Program* const program = ProgramWithRoom(keeper);
+  if (program == nullptr) return false;
+  const Reg result = RunProgram(*program, frame, code);
   frame.no_result = result.tag == kTagUnset;
-  code = result.tag == kTagFailed ? run.code : IMEPERR_NONE;
   if (IsScalar(result.tag)) {
     StoreScalar(out, static_cast<IxoMepValueType>(result.tag), result.bits);
   } else {
@@ -85,32 +79,62 @@ bool EvaluateByProgram(const IxoMepExprNode& keeper, Frame& frame, IxoMepValue& 
   return true;
 }
 
-}  // namespace
-
-bool UsePrograms(bool use) noexcept { return std::exchange(are_used, use); }
-
-const Program* ProgramFor(const IxoMepExprNode& node) {
-  if (!are_used) return nullptr;
-  switch (NodeAccess::GetMark(node)) {
-    case NodeAccess::Mark::HasEntry:
-      return Table::Instance().Find(node);
-    case NodeAccess::Mark::Fresh:
-      NodeAccess::SetMark(node, NodeAccess::Mark::Seen);
-      return nullptr;
-    default:
-      break;
+// A failure or a result left unset changes nothing here.
+void StoreInSlot(Reg result, IxoMepValue*& slot) {
+  if (slot != nullptr && IsScalar(result.tag)) {
+    StoreScalar(*slot, static_cast<IxoMepValueType>(result.tag), result.bits);
+  } else if (result.tag >= 0) {
+    StoreResult(slot, OwnedValue(result));
   }
-  Table::Instance().Add(node, CompileProgram(node));
-  NodeAccess::SetMark(node, NodeAccess::Mark::HasEntry);
-  return Table::Instance().Find(node);
 }
 
-void ForgetProgram(const IxoMepExprNode& node) noexcept { Table::Instance().Remove(node); }
+}  // namespace
 
-IxoMepErrorEnum EvaluateTree(const IxoMepExprNode& root, Frame& frame, IxoMepValue& out) {
-  IxoMepErrorEnum code = IMEPERR_NONE;
-  if (!IsInert(root) && EvaluateByProgram(root, frame, out, code)) return code;
-  return Evaluate(root, frame, out);
+CachedProgram cached_programs[kCachedPrograms];
+
+bool UsePrograms(bool use) noexcept {
+  std::fill(std::begin(cached_programs), std::end(cached_programs), CachedProgram());
+  return std::exchange(are_used, use);
+}
+
+const Program* FindProgram(const IxoMepExprNode& node) {
+  if (!are_used) return nullptr;
+  const NodeAccess::Mark mark = NodeAccess::GetMark(node);
+  if (mark == NodeAccess::Mark::Fresh) {
+    NodeAccess::SetMark(node, NodeAccess::Mark::Seen);
+    return nullptr;
+  }
+  if (mark == NodeAccess::Mark::Seen) {
+    Table::Instance().Add(node, CompileProgram(node));
+    NodeAccess::SetMark(node, NodeAccess::Mark::HasEntry);
+  }
+  const Program* const program = Table::Instance().Find(node);
+  CachedProgramFor(node) = {&node, program};
+  return program;
+}
+
+void ForgetProgram(const IxoMepExprNode& node) noexcept {
+  CachedProgram& cached = CachedProgramFor(node);
+  if (cached.node == &node) cached = {};
+  Table::Instance().Remove(node);
+}
+
+IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
+                               IxoMepValueSet* scope, IxoMepValue*& result, String& text,
+                               bool strict) {
+  const Program* program = nullptr;
+  const IxoMepErrorEnum code = Guarded(text, [&] {
+    if (!IsInert(root)) program = ProgramWithRoom(root);
+    if (program == nullptr) return IMEPERR_NONE;
+    Frame frame{parser, scope, text, strict};
+    IxoMepErrorEnum failure = IMEPERR_NONE;
+    StoreInSlot(RunProgram(*program, frame, failure), result);
+    return failure;
+  });
+  if (code != IMEPERR_NONE) FailResult(result, scope);
+  return program != nullptr || code != IMEPERR_NONE
+             ? code
+             : root.Evaluate(parser, scope, result, text, strict);
 }
 
 IxoMepErrorEnum EvaluateBody(const IxoMepExprNode& lambda, Frame& frame, IxoMepValue& out) {

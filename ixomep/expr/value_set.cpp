@@ -4,6 +4,7 @@
 // destroying one may run code of the host that uses the scope.
 #include "ixomep/expr/value_set.h"
 
+#include <bit>
 #include <memory>
 #include <utility>
 
@@ -19,16 +20,13 @@ const char* AddressOf(const String& name) { return IxoMepStringAddressMap::GetAd
 
 }  // namespace
 
-IxoMepValueSet::IxoMepValueSet(IxoMepValueSet* parent) noexcept : parent_(parent) {}
+const char IxoMepValueSet::no_name_ = '\0';
+
+IxoMepValueSet::IxoMepValueSet(IxoMepValueSet* parent) noexcept : parent_(parent) {
+  names_.fill(NoName());
+}
 
 IxoMepValueSet::~IxoMepValueSet() { Clear(); }
-
-IxoMepValue* IxoMepValueSet::FindHere(const char* name) const noexcept {
-  const std::uint32_t bucket = IndexOf(name);
-  if (!_isUsed(bucket)) return nullptr;
-  if (_isMulti(bucket)) return FindIn(*values_[bucket].several, name);
-  return names_[bucket] == name ? values_[bucket].single : nullptr;
-}
 
 IxoMepValue* IxoMepValueSet::_find(const char* name) const noexcept {
   return FindInBucket(IndexOf(name), name);
@@ -57,6 +55,7 @@ void IxoMepValueSet::_add(const char* name, IxoMepValue* value) {
     IxoMepValue* const inline_value = values_[bucket].single;
     if (!several->emplace(names_[bucket], inline_value).second) replaced.reset(inline_value);
     values_[bucket].several = several.release();
+    names_[bucket] = NoName();
     multi_ |= 1u << bucket;
   }
   static_cast<void>(owned.release());
@@ -69,6 +68,7 @@ void IxoMepValueSet::_deleteVals() noexcept {
   const std::uint32_t multi = std::exchange(multi_, 0);
   count_ = 0;
   first_value_ = nullptr;
+  names_.fill(NoName());
   for (std::uint32_t bucket = 0; bucket < kBuckets; ++bucket) {
     if ((used >> bucket & 1u) == 0) continue;
     if ((multi >> bucket & 1u) == 0) {
@@ -84,6 +84,7 @@ void IxoMepValueSet::Clear() noexcept {
   if (count_ > 1) return _deleteVals();
   if (count_ == 0) return;
   count_ = 0;
+  names_[static_cast<std::size_t>(std::countr_zero(used_))] = NoName();
   used_ = 0;
   delete std::exchange(first_value_, nullptr);
 }

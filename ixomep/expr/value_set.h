@@ -79,18 +79,20 @@ class IXOMEP_API IxoMepValueSet {
   // _find for a caller that knows IndexOf(name) already.
   IxoMepValue* FindInBucket(std::uint32_t bucket, const char* name) const noexcept {
     for (const IxoMepValueSet* scope = this; scope != nullptr; scope = scope->parent_) {
-      if (!scope->_isUsed(bucket)) continue;
-      if (scope->_isMulti(bucket)) {
-        IxoMepValue* const value = FindIn(*scope->values_[bucket].several, name);
-        if (value != nullptr) return value;
-      } else if (scope->names_[bucket] == name) {
-        return scope->values_[bucket].single;
-      }
+      if (IxoMepValue* const value = scope->FindHere(bucket, name)) return value;
     }
     return nullptr;
   }
   // The lookup in this scope alone; null when absent.
-  IxoMepValue* FindHere(const char* name) const noexcept;
+  IxoMepValue* FindHere(const char* name) const noexcept { return FindHere(IndexOf(name), name); }
+  // Null also for a variable of this scope that shares its bucket with another.
+  IxoMepValue* FindInline(std::uint32_t bucket, const char* name) const noexcept {
+    return names_[bucket] == name ? values_[bucket].single : nullptr;
+  }
+  IxoMepValue* FindHere(std::uint32_t bucket, const char* name) const noexcept {
+    if (IxoMepValue* const value = FindInline(bucket, name)) return value;
+    return _isMulti(bucket) ? FindIn(*values_[bucket].several, name) : nullptr;
+  }
   // Is it the value of a variable of this scope or of an ancestor?
   bool Owns(const IxoMepValue* value) const noexcept {
     bool found = false;
@@ -108,8 +110,10 @@ class IXOMEP_API IxoMepValueSet {
   }
   // BucketOf within 0 to 30, also for an address with its top bit set, whose remainder is negative.
   static std::uint32_t IndexOf(const char* name) noexcept {
-    const std::uint32_t bucket = BucketOf(name);
-    return bucket < kBuckets ? bucket : bucket % kBuckets;
+    const auto address = reinterpret_cast<std::uintptr_t>(name);
+    constexpr std::uintptr_t kTopBit = ~(~std::uintptr_t{0} >> 1);
+    if ((address & kTopBit) == 0) return static_cast<std::uint32_t>(address % kBuckets);
+    return BucketOf(name) % kBuckets;
   }
 
  private:
@@ -136,6 +140,11 @@ class IXOMEP_API IxoMepValueSet {
       for (const auto& [name, value] : *values_[bucket].several) use(name, *value);
     }
   }
+
+  // Stands for the name of a bucket without an inline variable, so that a lookup is one comparison.
+  // No interned text and not null, which a caller may ask for.
+  static const char* NoName() noexcept { return &no_name_; }
+  static const char no_name_;
 
   IxoMepValueSet* parent_;
   std::uint32_t count_ = 0;

@@ -137,7 +137,9 @@ IxoMepValue::IxoMepValue(IxoMepValueType type, const IxoMepValueList& list) : Ix
   ValueAccess::Pin(*this);  // the caller may have kept the elements' addresses
 }
 
-IxoMepValue::IxoMepValue(const IxoMepValue& other) : IxoMepValue() {
+// Undefined until the copy is made, for making it may fail.
+void IxoMepValue::CopyOwner(const IxoMepValue& other) {
+  type_ = Type::Undefined;
   if (other.type_ == Type::Array || other.type_ == Type::Map) {
     ValueAccess::CopyContainer(*this, other);
   } else {
@@ -145,7 +147,7 @@ IxoMepValue::IxoMepValue(const IxoMepValue& other) : IxoMepValue() {
   }
 }
 
-IxoMepValue& IxoMepValue::operator=(const IxoMepValue& other) {
+IxoMepValue& IxoMepValue::AssignOwner(const IxoMepValue& other) {
   if (this == &other) return *this;
   IxoMepValue copy;
   if (other.type_ == Type::Array || other.type_ == Type::Map) {
@@ -157,8 +159,7 @@ IxoMepValue& IxoMepValue::operator=(const IxoMepValue& other) {
 }
 
 // The old payload goes last: releasing it may destroy the other value, which may stand in it.
-IxoMepValue& IxoMepValue::operator=(IxoMepValue&& other) noexcept {
-  if (this == &other) return *this;
+IxoMepValue& IxoMepValue::MoveOverOwner(IxoMepValue&& other) noexcept {
   IxoMepValue old(std::move(*this));
   type_ = other.type_;
   payload_ = other.payload_;

@@ -5,10 +5,12 @@
 // ../parser/literal_*.cpp (reading literals).
 #pragma once
 
+#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "ixomep/export.h"
@@ -49,8 +51,7 @@ class IXOMEP_API IxoMepValue {
   IxoMepValue(short number) noexcept : IxoMepValue(static_cast<int>(number)) {}
   IxoMepValue(unsigned short number) noexcept : IxoMepValue(static_cast<int>(number)) {}
   IxoMepValue(int number) noexcept : type_(IxoMepValueType::Integer) {
-    payload_.bits = 0;
-    payload_.integer = number;
+    SetInteger(number);
   }
   IxoMepValue(unsigned int number) noexcept : IxoMepValue(static_cast<int>(number)) {}
   IxoMepValue(long number) noexcept : IxoMepValue(static_cast<int>(number)) {}  // low 32 bits
@@ -81,12 +82,27 @@ class IXOMEP_API IxoMepValue {
   // Array: takes over the elements. Map: consecutive (key, value) pairs are taken over; of equal
   // keys the first stays, a last key without value is dropped; what is not kept is destroyed.
   IxoMepValue(IxoMepValueType type, const IxoMepValueList& list);
-  IxoMepValue(const IxoMepValue& other);  // deep copy
+  // Deep copies. What owns nothing is two moves here; the rest is in value.cpp.
+  IxoMepValue(const IxoMepValue& other) : type_(other.type_), payload_(other.payload_) {
+    if (other.HasHeapPayload()) CopyOwner(other);
+  }
   IxoMepValue(IxoMepValue&& other) noexcept : type_(other.type_), payload_(other.payload_) {
     other.type_ = IxoMepValueType::Undefined;
   }
-  IxoMepValue& operator=(const IxoMepValue& other);  // deep copy; nothing on self-assignment
-  IxoMepValue& operator=(IxoMepValue&& other) noexcept;
+  IxoMepValue& operator=(const IxoMepValue& other) {  // nothing on self-assignment
+    if (HasHeapPayload() || other.HasHeapPayload()) return AssignOwner(other);
+    type_ = other.type_;
+    payload_ = other.payload_;
+    return *this;
+  }
+  IxoMepValue& operator=(IxoMepValue&& other) noexcept {
+    if (this == &other) return *this;
+    if (HasHeapPayload()) return MoveOverOwner(std::move(other));
+    type_ = other.type_;
+    payload_ = other.payload_;
+    other.type_ = IxoMepValueType::Undefined;
+    return *this;
+  }
   ~IxoMepValue() {
     if (HasHeapPayload()) Discard();
   }
@@ -229,6 +245,14 @@ class IXOMEP_API IxoMepValue {
     const auto tag = static_cast<std::uint32_t>(type_);
     return tag < 32 && ((kHeapTypes >> tag) & 1u) != 0;
   }
+  // One store of the whole payload: reading all of it after two narrower ones stalls the machine.
+  void SetInteger(std::int32_t number) noexcept {
+    payload_.bits = static_cast<std::int64_t>(static_cast<std::uint32_t>(number));
+  }
+  // The copies and assignments in which a payload is on the heap.
+  void CopyOwner(const IxoMepValue& other);
+  IxoMepValue& AssignOwner(const IxoMepValue& other);
+  IxoMepValue& MoveOverOwner(IxoMepValue&& other) noexcept;
   // Releases the payload and leaves the tag for the caller to overwrite.
   void Discard() noexcept;
   static IxoMepValue* GetpNullValue() noexcept;
@@ -247,6 +271,8 @@ class IXOMEP_API IxoMepValue {
 };
 
 static_assert(sizeof(IxoMepValue) == 16);
+static_assert(std::endian::native == std::endian::little,
+              "an integer is the low half of its payload");
 
 // Equal only within one type; containers, expressions, lambdas and objects never are.
 IXOMEP_API bool operator==(const IxoMepValue& a, const IxoMepValue& b);

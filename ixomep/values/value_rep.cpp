@@ -52,18 +52,6 @@ void MapRep::operator delete(void* block) noexcept { MapBlocks::Give(block); }
 
 // --- Reading ------------------------------------------------------------------------------------
 
-const IxoMepValueList& ValueAccess::Items(const IxoMepValue& v) noexcept { return List(v)->items; }
-const IxoMepValueMap& ValueAccess::Entries(const IxoMepValue& v) noexcept { return Map(v)->items; }
-
-std::size_t ValueAccess::Count(const IxoMepValue& container) noexcept {
-  return container.type_ == IxoMepValueType::Array ? Items(container).size()
-                                                   : Entries(container).size();
-}
-
-const IxoMepValue& ValueAccess::Element(const IxoMepValue& array, std::size_t index) noexcept {
-  return OrNull(Items(array)[index]);
-}
-
 const IxoMepValue* ValueAccess::FindEntry(const IxoMepValue& map, const IxoMepValue& key) {
   const IxoMepValueMap& entries = Entries(map);
   const auto entry = entries.find(&key);

@@ -76,8 +76,8 @@ struct ValueAccess {
     return v;
   }
   // Read-only views; borrowed until the value changes.
-  static const IxoMepValueList& Items(const IxoMepValue& v) noexcept;
-  static const IxoMepValueMap& Entries(const IxoMepValue& v) noexcept;
+  static const IxoMepValueList& Items(const IxoMepValue& v) noexcept { return List(v)->items; }
+  static const IxoMepValueMap& Entries(const IxoMepValue& v) noexcept { return Map(v)->items; }
   // Storage of its own for writing; unshares first. Does not pin: use it for the length of one
   // step, and make the new content before asking for the place, because copying the container in
   // between shares the storage that the place stands in.
@@ -89,11 +89,17 @@ struct ValueAccess {
   static IxoMepValue* OwnEntry(IxoMepValue& map, const IxoMepValue& key, bool create);
 
   // Elements and entries to read; an empty slot reads as the shared undefined value.
-  static std::size_t Count(const IxoMepValue& container) noexcept;  // array or map
+  static std::size_t Count(const IxoMepValue& container) noexcept {  // array or map
+    return container.type_ == IxoMepValueType::Array ? Items(container).size()
+                                                     : Entries(container).size();
+  }
   static bool HasElement(const IxoMepValue& array, long index) noexcept {
     return index >= 0 && static_cast<std::size_t>(index) < Count(array);
   }
-  static const IxoMepValue& Element(const IxoMepValue& array, std::size_t index) noexcept;
+  static const IxoMepValue& Element(const IxoMepValue& array, std::size_t index) noexcept {
+    const IxoMepValue* const element = Items(array)[index];
+    return element != nullptr ? *element : *IxoMepValue::GetNull();
+  }
   // Null when there is no such key.
   static const IxoMepValue* FindEntry(const IxoMepValue& map, const IxoMepValue& key);
   // The key with that number in map order; asking in ascending order is fast.
@@ -147,8 +153,7 @@ struct ValueAccess {
   static void SetInteger(IxoMepValue& v, std::int32_t n) noexcept {
     Release(v);
     v.type_ = IxoMepValueType::Integer;
-    v.payload_.bits = 0;
-    v.payload_.integer = n;
+    v.SetInteger(n);
   }
   // For Integer, Real, Measure and Time.
   static void SetScalar(IxoMepValue& v, IxoMepValueType type, std::int64_t bits) noexcept {
