@@ -85,13 +85,10 @@ IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepVa
                                                  bool ownScope) const {
   if (tree_ == nullptr) return IMEPERR_UNEXPECTED_TYPE;
   IxoMepExprNode::m_nCallDepth = 0;
+  if (!ownScope) return ixomep::EvaluateToSlot(*tree_, this, scope, result, errorText, strict);
   const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
-    const NodePtr held = NodePtr::Share(tree_);  // a hook may give this object another tree
-    if (!ownScope) {
-      return ixomep::EvaluateToSlot(*held, this, scope, result, errorText, strict);
-    }
     const ixomep::PooledScope own(scope);
-    return ixomep::EvaluateToSlot(*held, this, own.get(), result, errorText, strict);
+    return ixomep::EvaluateToSlot(*tree_, this, own.get(), result, errorText, strict);
   });
   if (code != IMEPERR_NONE) ixomep::FailSlot(result);
   return code;

@@ -79,6 +79,14 @@ struct NameRef {
   const char* name = nullptr;
   std::uint32_t bucket = 0;
   std::uint64_t bit = 0;  // one of 64, for the mask of names that wait for their scopes
+
+  // What the last long search for the name gave: good for that scope until variables come or go.
+  struct Found {
+    const IxoMepValueSet* scope = nullptr;
+    std::uint64_t changes = 0;
+    const IxoMepValue* value = nullptr;
+  };
+  mutable Found found;
 };
 
 class Program;
@@ -90,7 +98,10 @@ class Run {
 
   // A root, or a lambda whose scope is there already: everything is in frame.scope.
   Run(Frame& frame, std::int32_t entry_depth) noexcept
-      : frame_(frame), lookup_(frame.scope), entry_depth_(entry_depth) {}
+      : frame_(frame),
+        lookup_(frame.scope != nullptr ? frame.scope : &no_scope_),
+        assignable_(frame.strict ? &no_scope_ : lookup_),
+        entry_depth_(entry_depth) {}
   // A lambda called from `caller` with its arguments, as many as it has parameters. frame is the
   // level's own; its scope counts only when the level has one.
   Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* arguments,
@@ -119,17 +130,23 @@ class Run {
     if (arguments_ != nullptr) MakeScope();
     return frame_;
   }
+  // The variable that assignment to the name stores into, when it is there at once: in the level's
+  // own scope, where nobody else shares its bucket, and names may be assigned to. Else null.
+  IxoMepValue* FindToAssign(const NameRef& ref) const noexcept {
+    return assignable_->FindInline(ref.bucket, ref.name);
+  }
   // The argument that stands for a parameter, null when the level has a scope.
   const IxoMepValue* Argument(std::int32_t index) const noexcept {
     return arguments_ != nullptr ? &arguments_[index] : nullptr;
   }
   // The variable's value here and now (borrowed), null when absent.
   const IxoMepValue* Find(const NameRef& ref) const noexcept {
-    if ((waiting_ & ref.bit) == 0 && lookup_ != nullptr) [[likely]] {
-      const IxoMepValue* const found = lookup_->FindInline(ref.bucket, ref.name);
-      if (found != nullptr) return found;
-    }
-    return FindFarther(ref);
+    const IxoMepValue* const found = FindAtOnce(ref);
+    return found != nullptr ? found : FindFarther(ref);
+  }
+  // The same where one comparison finds it, else null.
+  const IxoMepValue* FindAtOnce(const NameRef& ref) const noexcept {
+    return (waiting_ & ref.bit) == 0 ? lookup_->FindInline(ref.bucket, ref.name) : nullptr;
   }
 
   Reg Fail(IxoMepErrorEnum failure) noexcept {
@@ -148,7 +165,10 @@ class Run {
   enum class Calls : std::uint8_t { NotLooked, OfLambdas, OfTheHost };
 
   Frame& frame_;
-  IxoMepValueSet* lookup_;     // the innermost scope that is there
+  static IxoMepValueSet no_scope_;  // stays empty
+
+  IxoMepValueSet* lookup_;      // the innermost scope that is there
+  IxoMepValueSet* assignable_;  // the level's own, where names may be assigned to
   std::uint64_t waiting_ = 0;  // names of arguments without a scope, here and above
   Run* caller_ = nullptr;      // of a level that has no scope yet
   const Program* lambda_ = nullptr;
@@ -250,7 +270,7 @@ bool UsePrograms(bool use) noexcept;
 void ForgetProgram(const IxoMepExprNode& node) noexcept;
 
 // Evaluates the tree by its program when it has one, else plainly; contract as
-// IxoMepExprNode::Evaluate.
+// IxoMepExprNode::Evaluate. The tree is held meanwhile: a hook may give its owner another one.
 IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
                                IxoMepValueSet* scope, IxoMepValue*& result, String& text,
                                bool strict);

@@ -1,12 +1,14 @@
 // Operations of side programs that steer, store and call: cond, loops, sequences, assignments to
 // names, calls of lambdas and of the host's functions; and the levels (Run) that calls open.
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "ixomep/expr/node_ptr.h"
-#include "ixomep/expr/program_ops.h"
+#include "ixomep/expr/program_numbers.h"
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/error.h"
@@ -20,13 +22,6 @@ using Type = IxoMepValueType;
 constexpr Reg kFailure{kTagFailed, 0};
 constexpr Reg kNothing{kTagUndefined, 0};
 constexpr std::int32_t kLongestSpine = 251;
-
-template <class T>
-const T& As(const Op& op) noexcept {
-  return static_cast<const T&>(op);
-}
-
-Reg FailWith(Run& run, IxoMepErrorEnum code) { return run.Fail(Raise(run.Text(), code)); }
 
 Reg FailTypes(Run& run, const char* shown, const IxoMepValue& a, const IxoMepValue* b = nullptr) {
   run.Text() = IxoMepError::MakeFunctionError(IMEPERR_WRONG_TYPE, shown, &a, b);
@@ -55,84 +50,21 @@ bool RunUnwanted(const Op& op, Run& run) {
   return true;
 }
 
-inline IxoMepValue& FindOrCreate(IxoMepValueSet& scope, const NameRef& ref) {
-  IxoMepValue* const found = scope.FindInBucket(ref.bucket, ref.name);
-  return found != nullptr ? *found : *scope.NewGetLValue(ref.name);
-}
-
-IxoMepValue& TargetOf(IxoMepValue& variable) noexcept {
-  return variable.GetType() == Type::Reference ? ValueAccess::Follow(variable) : variable;
-}
-
-// `x := x + e` for a text in x: it grows in place. False when e is none.
-[[gnu::noinline]] bool AppendText(const AssignOp& op, IxoMepValue& variable, Run& run,
-                                  Reg& result) {
-  IxoMepValue storage;
-  const IxoMepValue* const more = ReadOperand(op.appended->right, run, storage);
-  result = kFailure;
-  if (more == nullptr) return true;
-  if (more->GetType() != Type::String) return false;  // read again: it is quiet
-  String& text = ValueAccess::Text(variable);
-  const String& added = ValueAccess::Text(*more);
-  try {
-    if (std::int64_t{text.Len()} + added.Len() <= String::kMaxLength) {
-      text += added;
-      result = kNothing;
-      return true;
-    }
-  } catch (const std::bad_alloc&) {
-  }
-  result = FailWith(run, IMEPERR_TOO_LONG);
-  return true;
-}
-
-// Out of line, so that storing a number stays small.
-[[gnu::noinline]] Reg StoreOwner(const AssignOp& assign, IxoMepValueSet& scope, Reg r,
-                                 bool wanted) {
-  IxoMepValue value = OwnedValue(r);
-  ReplaceReference(value);
-  const Reg result = wanted ? CopyOf(value) : kNothing;
-  TargetOf(FindOrCreate(scope, assign.variable)) = std::move(value);
-  return result;
-}
-
-template <bool kWanted>
-Reg Assign(const Op& op, Run& run) {
-  const auto& assign = As<AssignOp>(op);
-  if (run.IsStrict()) return RunPlainly(op, run);
-  IxoMepValueSet* const scope = run.RealFrame().scope;
-  if (scope == nullptr) return RunPlainly(op, run);
-  IxoMepValue* variable = &FindOrCreate(*scope, assign.variable);
-  if constexpr (!kWanted) {
-    if (assign.appended != nullptr && variable->GetType() == Type::String) {
-      Reg result{};
-      if (AppendText(assign, *variable, run, result)) return result;
-    }
-  }
-  const Reg r = (*assign.value)(run);
-  if (IsScalar(r.tag)) {
-    if (!assign.quiet) variable = &FindOrCreate(*scope, assign.variable);
-    StoreScalar(TargetOf(*variable), static_cast<Type>(r.tag), r.bits);
-    return r;
-  }
-  return r.tag == kTagFailed ? r : StoreOwner(assign, *scope, r, kWanted);
-}
-
 // --- Calls --------------------------------------------------------------------------------------
 
+template <std::size_t kArguments>
 Reg CallByProgram(const CallOp& call, const IxoMepExprNode& lambda, const Program& program,
                   Run& run) {
   const NodePtr held = NodePtr::Share(&lambda);
   if (held.get() != &lambda) return RunPlainly(call, run);
-  std::array<IxoMepValue, Run::kMaxArguments> arguments;
-  std::size_t count = 0;
-  for (const Op* const argument : call.arguments) {
-    const Reg r = (*argument)(run);
+  std::array<IxoMepValue, std::max<std::size_t>(kArguments, 1)> arguments;  // never at null
+  for (std::size_t i = 0; i < kArguments; ++i) {
+    const Reg r = (*call.arguments[i])(run);
     if (r.tag == kTagFailed) return r;
-    arguments[count++] = OwnedValue(r);
+    arguments[i] = OwnedValue(r);
   }
   std::int32_t entry_depth = 0;
-  if (count == 0) {
+  if (kArguments == 0) {
     RestoreDepth(call.depth.Inside(), run);
     entry_depth = IxoMepExprNode::m_nCallDepth;
   }
@@ -153,7 +85,11 @@ Reg CallLambdaNode(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
     RestoreDepth(call.depth.Inside(), run);
     if (IxoMepExprNode::m_nCallDepth + program->spine > kLongestSpine) return RunPlainly(call, run);
   }
-  return CallByProgram(call, lambda, *program, run);
+  static constexpr decltype(&CallByProgram<0>) kCallers[] = {
+      &CallByProgram<0>, &CallByProgram<1>, &CallByProgram<2>, &CallByProgram<3>,
+      &CallByProgram<4>};
+  static_assert(std::size(kCallers) == Run::kMaxArguments + 1);
+  return kCallers[call.arguments.size()](call, lambda, *program, run);
 }
 
 Reg CallHost(const CallOp& call, Run& run) {
@@ -179,10 +115,14 @@ Reg CallHost(const CallOp& call, Run& run) {
 
 // --- Levels -------------------------------------------------------------------------------------
 
+// Before its construction it is as empty: no name is found in it.
+IxoMepValueSet Run::no_scope_;
+
 Run::Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* arguments,
          std::int32_t entry_depth) noexcept
     : frame_(frame),
       lookup_(caller.lookup_),
+      assignable_(&no_scope_),
       waiting_(caller.waiting_ | lambda.parameter_bits),
       caller_(&caller),
       lambda_(&lambda),
@@ -204,7 +144,11 @@ const IxoMepValue* Run::FindFarther(const NameRef& ref) const noexcept {
   if ((waiting_ & ref.bit) != 0) {
     if (const IxoMepValue* const found = FindArgument(ref.name)) return found;
   }
-  return lookup_ != nullptr ? lookup_->FindInBucket(ref.bucket, ref.name) : nullptr;
+  NameRef::Found& found = ref.found;
+  if (found.scope != lookup_ || found.changes != IxoMepValueSet::Changes()) {
+    found = {lookup_, IxoMepValueSet::Changes(), lookup_->FindInBucket(ref.bucket, ref.name)};
+  }
+  return found.value;
 }
 
 // The callers' scopes first, outermost to innermost; without recursion, for calls nest deeply.
@@ -220,6 +164,7 @@ void Run::MakeScope() {
     level->frame_.scope = scope.Release();
     level->owns_scope_ = true;
     level->lookup_ = level->frame_.scope;
+    if (!level->IsStrict()) level->assignable_ = level->lookup_;
     level->waiting_ = 0;
     level->arguments_ = nullptr;
   }
@@ -275,9 +220,15 @@ Reg RunFor(const Op& op, Run& run) {
   }
   // Wider than the language's integers, so that a last value of 2147483647 ends the loop.
   const std::int64_t last = IntegerOf(to);
+  IxoMepValue* variable = nullptr;
+  std::uint64_t changes = 0;
   for (std::int64_t i = IntegerOf(from); i <= last; ++i) {
+    if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
+      variable = &FindOrCreate(*scope, loop.variable);
+      changes = IxoMepValueSet::Changes();
+    }
     const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
-    StoreScalar(TargetOf(FindOrCreate(*scope, loop.variable)), Type::Integer, counter.bits);
+    StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
     if (!RunUnwanted(*loop.body, run)) return kFailure;
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
@@ -288,32 +239,6 @@ Reg RunSequence(const Op& op, Run& run) {
   if (!RunUnwanted(*sequence.first, run)) return kFailure;
   const Reg result = (*sequence.second)(run);
   return result.tag == kTagUnset ? kNothing : result;
-}
-
-// --- Assignment ---------------------------------------------------------------------------------
-
-Reg RunAssign(const Op& op, Run& run) { return Assign<true>(op, run); }
-Reg RunAssignOnly(const Op& op, Run& run) { return Assign<false>(op, run); }
-
-// aappend(name, value) with a quiet value.
-Reg RunAppendOnly(const Op& op, Run& run) {
-  const auto& append = As<AppendOp>(op);
-  IxoMepValueSet* const scope = run.RealFrame().scope;
-  IxoMepValue* const variable =
-      scope != nullptr && !run.IsStrict()
-          ? scope->FindInBucket(append.variable.bucket, append.variable.name)
-          : nullptr;
-  if (variable == nullptr || variable->GetType() != Type::Array) return RunPlainly(op, run);
-  const Reg r = (*append.value)(run);
-  if (r.tag == kTagFailed) return r;
-  IxoMepValue value = OwnedValue(r);
-  ReplaceReference(value);
-  try {
-    ValueAccess::AppendOwned(*variable, MakeValue(std::move(value)));
-  } catch (const std::bad_alloc&) {
-    return FailWith(run, IMEPERR_TOO_LONG);
-  }
-  return kNothing;
 }
 
 Reg RunCall(const Op& op, Run& run) {

@@ -219,6 +219,7 @@ class Compiler {
       if (sum->left.shape != Shape::General && sum->left.name.name == op.variable.name &&
           sum->right.quiet) {
         op.appended = sum;
+        if (fn == &RunAssignOnly) op.fn = AddOnlyFunction(sum->right.shape);
       }
     }
     return &op;

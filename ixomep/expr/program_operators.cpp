@@ -8,8 +8,7 @@
 #include <utility>
 
 #include "ixomep/expr/binary_operators.h"
-#include "ixomep/expr/decimal_compare.h"
-#include "ixomep/expr/program_ops.h"
+#include "ixomep/expr/program_numbers.h"
 #include "ixomep/expr/unary_operators.h"
 #include "ixomep/host/numbers.h"
 
@@ -19,114 +18,6 @@ namespace {
 
 using Kind = IxoMepExprNodeType;
 using Type = IxoMepValueType;
-
-template <class T>
-const T& As(const Op& op) noexcept {
-  return static_cast<const T&>(op);
-}
-
-// --- Operands -----------------------------------------------------------------------------------
-
-// What a name that is bound nowhere reads as.
-[[gnu::noinline]] Reg ReadAbsent(const Op& op, Run& run) {
-  return run.IsStrict() ? RunPlainly(op, run) : Reg{kTagUndefined, 0};
-}
-
-const IxoMepValue* FindArgument(const Operand& operand, const Run& run) noexcept {
-  const IxoMepValue* const argument = run.Argument(operand.argument);
-  return argument != nullptr ? argument : run.Find(operand.name);
-}
-
-template <Shape kShape>
-[[gnu::always_inline]] inline Reg Fetch(const Operand& operand, Run& run) {
-  if constexpr (kShape == Shape::Number) {
-    return {operand.number.tag, operand.number.bits};
-  } else if constexpr (kShape == Shape::Variable) {
-    const IxoMepValue* const value = run.Find(operand.name);
-    return value != nullptr ? CopyOf(*value) : ReadAbsent(*operand.op, run);
-  } else if constexpr (kShape == Shape::Argument) {
-    const IxoMepValue* const value = FindArgument(operand, run);
-    return value != nullptr ? CopyOf(*value) : ReadAbsent(*operand.op, run);
-  } else {
-    return (*operand.op)(run);
-  }
-}
-
-// --- Numbers ------------------------------------------------------------------------------------
-
-template <Kind kKind>
-std::int32_t Wrapped(std::int32_t left, std::int32_t right) noexcept {
-  const auto a = static_cast<std::uint32_t>(left);
-  const auto b = static_cast<std::uint32_t>(right);
-  if constexpr (kKind == Kind::Plus) return static_cast<std::int32_t>(a + b);
-  if constexpr (kKind == Kind::Minus) return static_cast<std::int32_t>(a - b);
-  return static_cast<std::int32_t>(a * b);
-}
-
-template <Kind kKind, class T>
-bool Compared(T a, T b) noexcept {
-  if constexpr (kKind == Kind::Equal) return a == b;
-  if constexpr (kKind == Kind::NotEqual) return !(a == b);
-  if constexpr (kKind == Kind::Less) return a < b;
-  if constexpr (kKind == Kind::LessEqual) return a <= b;
-  if constexpr (kKind == Kind::Greater) return a > b;
-  return a >= b;
-}
-
-// An operation on numbers that leaves the operands to the operator tables.
-constexpr Reg kNotMine{-3, 0};
-
-constexpr bool IsComparison(Kind kind) noexcept {
-  return kind >= Kind::Equal && kind <= Kind::Greater;
-}
-
-// The operator on two integers; kNotMine for what is an error.
-template <Kind kKind>
-Reg ComputeIntegers(std::int32_t x, std::int32_t y) noexcept {
-  if constexpr (kKind == Kind::Plus || kKind == Kind::Minus || kKind == Kind::Times) {
-    return IntegerReg(Wrapped<kKind>(x, y));
-  } else if constexpr (kKind == Kind::Divide) {
-    return y != 0 ? RealReg(static_cast<double>(x) / y) : kNotMine;
-  } else if constexpr (kKind == Kind::Mod) {
-    return y != 0 ? RealReg(static_cast<double>(std::int64_t{x} % y)) : kNotMine;
-  } else if constexpr (IsComparison(kKind)) {
-    return IntegerReg(Compared<kKind>(x, y));
-  } else {
-    return IntegerReg(kKind == Kind::And ? x != 0 && y != 0 : x != 0 || y != 0);
-  }
-}
-
-template <Kind kKind>
-Reg ComputeReals(double x, double y) noexcept {
-  if constexpr (kKind == Kind::Plus) {
-    return RealReg(x + y);
-  } else if constexpr (kKind == Kind::Minus) {
-    return RealReg(x - y);
-  } else if constexpr (kKind == Kind::Times) {
-    return RealReg(x * y);
-  } else if constexpr (kKind == Kind::Divide) {
-    return y != 0.0 ? RealReg(x / y) : kNotMine;
-  } else if constexpr (IsComparison(kKind)) {
-    const std::strong_ordering order = CompareDecimals(x, y);
-    return IntegerReg(Compared<kKind>((order > 0) - (order < 0), 0));
-  } else {
-    return IntegerReg(kKind == Kind::And ? x != 0.0 && y != 0.0 : x != 0.0 || y != 0.0);
-  }
-}
-
-// The operator on two numbers; kNotMine for what is an error or no business of numbers.
-template <Kind kKind>
-[[gnu::always_inline]] inline Reg Compute(Reg a, Reg b) noexcept {
-  if (a.tag == kTagInteger && b.tag == kTagInteger) {
-    return ComputeIntegers<kKind>(IntegerOf(a), IntegerOf(b));
-  }
-  if constexpr (kKind == Kind::Mod) {
-    return kNotMine;
-  } else {
-    if (!IsNumber(a) || !IsNumber(b)) return kNotMine;
-    return ComputeReals<kKind>(NumberOf(a), NumberOf(b));
-  }
-}
 
 // --- Everything else ----------------------------------------------------------------------------
 
@@ -171,18 +62,46 @@ Reg ApplyOwned(Kind kind, IxoMepValue&& left, const IxoMepValue& right, Run& run
   return Apply(op.node->GetType(), OwnedValue(left), b, run);
 }
 
+// The operator, once its left operand is there.
+template <Kind kKind>
+[[gnu::noinline]] Reg FinishBinary(const BinaryOp& op, Run& run, Reg left) {
+  if (!IsScalar(left.tag)) {
+    return left.tag == kTagFailed ? left : CombineOwned(op, left, run);
+  }
+  const Reg right = FetchAny(op.right, run);
+  const Reg result = Compute<kKind>(left, right);
+  if (result.tag != kNotMine.tag) return result;
+  return right.tag == kTagFailed ? right : Combine(op, left, right, run);
+}
+
+template <Kind kKind>
+[[gnu::noinline]] Reg RunBinarySlowly(const BinaryOp& op, Run& run) {
+  return FinishBinary<kKind>(op, run, FetchAny(op.left, run));
+}
+
+// On numbers at hand this is all that happens; nothing has happened when they are not.
 template <Kind kKind, Shape kLeft, Shape kRight>
 Reg RunBinary(const Op& op, Run& run) {
   const auto& binary = As<BinaryOp>(op);
-  const Reg left = Fetch<kLeft>(binary.left, run);
-  if (!IsScalar(left.tag)) {
-    if (left.tag == kTagFailed) return left;
-    return CombineOwned(binary, left, run);
+  if constexpr (kLeft == Shape::General) {
+    const Reg left = (*binary.left.op)(run);
+    if constexpr (kRight == Shape::General) {
+      if (!IsScalar(left.tag)) return FinishBinary<kKind>(binary, run, left);
+      const Reg right = (*binary.right.op)(run);
+      const Reg result = Compute<kKind>(left, right);
+      if (result.tag != kNotMine.tag) [[likely]] return result;
+      return right.tag == kTagFailed ? right : Combine(binary, left, right, run);
+    } else {
+      const Reg result = Compute<kKind>(left, NumberAtOnce<kRight>(binary.right, run));
+      return result.tag != kNotMine.tag ? result : FinishBinary<kKind>(binary, run, left);
+    }
+  } else if constexpr (kRight == Shape::General) {
+    return RunBinarySlowly<kKind>(binary, run);
+  } else {
+    const Reg result = Compute<kKind>(NumberAtOnce<kLeft>(binary.left, run),
+                                      NumberAtOnce<kRight>(binary.right, run));
+    return result.tag != kNotMine.tag ? result : RunBinarySlowly<kKind>(binary, run);
   }
-  const Reg right = Fetch<kRight>(binary.right, run);
-  const Reg result = Compute<kKind>(left, right);
-  if (result.tag != kNotMine.tag) [[likely]] return result;
-  return right.tag == kTagFailed ? right : Combine(binary, left, right, run);
 }
 
 template <Kind kKind, Shape kLeft>
@@ -215,21 +134,6 @@ constexpr Op::Fn BinaryOf(Shape left, Shape right) noexcept {
 
 // --- Prefix operators ---------------------------------------------------------------------------
 
-// The operator on one number; kNotMine for what is an error or no business of numbers.
-template <Kind kKind>
-[[gnu::always_inline]] inline Reg Compute(Reg a) noexcept {
-  if (!IsNumber(a)) return kNotMine;
-  if constexpr (kKind == Kind::Minus) {
-    return a.tag == kTagInteger ? IntegerReg(Wrapped<Kind::Minus>(0, IntegerOf(a)))
-                                : RealReg(-RealOf(a));
-  } else if constexpr (kKind == Kind::Not) {
-    return IntegerReg(NumberOf(a) == 0.0);
-  } else {
-    static_assert(kKind == Kind::Real);
-    return RealReg(NumberOf(a));
-  }
-}
-
 Reg ApplyPrefix(const Op& op, const IxoMepValue& operand, Run& run) {
   IxoMepValue out;
   const IxoMepErrorEnum code = ApplyUnaryTo(op.node->GetType(), operand, out, run.Text());
@@ -240,12 +144,27 @@ Reg ApplyPrefix(const Op& op, const IxoMepValue& operand, Run& run) {
   return ApplyPrefix(op, OwnedValue(operand), run);
 }
 
+template <Kind kKind>
+[[gnu::noinline]] Reg FinishPrefix(const UnaryOp& op, Run& run, Reg operand) {
+  const Reg result = Compute<kKind>(operand);
+  if (result.tag != kNotMine.tag) return result;
+  return operand.tag == kTagFailed ? operand : ApplyPrefix(op, operand, run);
+}
+
+template <Kind kKind>
+[[gnu::noinline]] Reg RunPrefixSlowly(const UnaryOp& op, Run& run) {
+  return FinishPrefix<kKind>(op, run, FetchAny(op.operand, run));
+}
+
 template <Kind kKind, Shape kShape>
 Reg RunNumberPrefix(const Op& op, Run& run) {
-  const Reg operand = Fetch<kShape>(As<UnaryOp>(op).operand, run);
-  const Reg result = Compute<kKind>(operand);
-  if (result.tag != kNotMine.tag) [[likely]] return result;
-  return operand.tag == kTagFailed ? operand : ApplyPrefix(op, operand, run);
+  const auto& prefix = As<UnaryOp>(op);
+  if constexpr (kShape == Shape::General) {
+    return RunPrefixSlowly<kKind>(prefix, run);
+  } else {
+    const Reg result = Compute<kKind>(NumberAtOnce<kShape>(prefix.operand, run));
+    return result.tag != kNotMine.tag ? result : RunPrefixSlowly<kKind>(prefix, run);
+  }
 }
 
 template <Kind kKind>
@@ -267,6 +186,10 @@ Reg RunPrefix(const Op& op, Run& run) {
 }
 
 }  // namespace
+
+Reg ReadAbsent(const Op& op, Run& run) {
+  return run.IsStrict() ? RunPlainly(op, run) : Reg{kTagUndefined, 0};
+}
 
 Reg CopyOfOwner(const IxoMepValue& value) { return RegOf(IxoMepValue(value)); }
 

@@ -103,7 +103,21 @@ Reg RunSequence(const Op& op, Run& run);
 Reg RunAssign(const Op& op, Run& run);
 Reg RunAssignOnly(const Op& op, Run& run);
 Reg RunAppendOnly(const Op& op, Run& run);
+// For an AssignOp with `appended`, by the shape of what is added.
+Op::Fn AddOnlyFunction(Shape more) noexcept;
 Reg RunCall(const Op& op, Run& run);
+
+// The variable, created undefined when it is nowhere.
+inline IxoMepValue& FindOrCreate(IxoMepValueSet& scope, const NameRef& ref) {
+  IxoMepValue* const found = scope.FindInBucket(ref.bucket, ref.name);
+  return found != nullptr ? *found : *scope.NewGetLValue(ref.name);
+}
+
+// Where assignment to the variable stores.
+inline IxoMepValue& TargetOf(IxoMepValue& variable) noexcept {
+  return variable.GetType() == IxoMepValueType::Reference ? ValueAccess::Follow(variable)
+                                                          : variable;
+}
 
 // The operand's value where it stands, or made in storage; null after a failure.
 const IxoMepValue* ReadOperand(const Operand& operand, Run& run, IxoMepValue& storage);

@@ -56,7 +56,7 @@ const Program* ProgramWithRoom(const IxoMepExprNode& keeper) {
   return fits && StackGuard::HasRoom() ? program : nullptr;
 }
 
-Reg RunProgram(const Program& program, Frame& frame, IxoMepErrorEnum& code) {
+inline Reg RunProgram(const Program& program, Frame& frame, IxoMepErrorEnum& code) {
   const DepthAtEnd at_end;
   Run run(frame, IxoMepExprNode::m_nCallDepth);
   const Reg result = (*program.root)(run);
@@ -122,19 +122,17 @@ void ForgetProgram(const IxoMepExprNode& node) noexcept {
 IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
                                IxoMepValueSet* scope, IxoMepValue*& result, String& text,
                                bool strict) {
-  const Program* program = nullptr;
   const IxoMepErrorEnum code = Guarded(text, [&] {
-    if (!IsInert(root)) program = ProgramWithRoom(root);
-    if (program == nullptr) return IMEPERR_NONE;
+    const NodePtr held = NodePtr::Share(&root);
+    const Program* const program = IsInert(*held) ? nullptr : ProgramWithRoom(*held);
+    if (program == nullptr) return held->Evaluate(parser, scope, result, text, strict);
     Frame frame{parser, scope, text, strict};
     IxoMepErrorEnum failure = IMEPERR_NONE;
     StoreInSlot(RunProgram(*program, frame, failure), result);
     return failure;
   });
   if (code != IMEPERR_NONE) FailResult(result, scope);
-  return program != nullptr || code != IMEPERR_NONE
-             ? code
-             : root.Evaluate(parser, scope, result, text, strict);
+  return code;
 }
 
 IxoMepErrorEnum EvaluateBody(const IxoMepExprNode& lambda, Frame& frame, IxoMepValue& out) {

@@ -8,7 +8,6 @@
 #include <memory>
 #include <utility>
 
-#include "ixomep/expr/scalar.h"
 #include "ixomep/values/slot.h"
 #include "ixomep/values/string_address_map.h"
 
@@ -21,9 +20,11 @@ const char* AddressOf(const String& name) { return IxoMepStringAddressMap::GetAd
 }  // namespace
 
 const char IxoMepValueSet::no_name_ = '\0';
+std::uint64_t IxoMepValueSet::changes_ = 0;
 
 IxoMepValueSet::IxoMepValueSet(IxoMepValueSet* parent) noexcept : parent_(parent) {
   names_.fill(NoName());
+  ++changes_;
 }
 
 IxoMepValueSet::~IxoMepValueSet() { Clear(); }
@@ -59,6 +60,7 @@ void IxoMepValueSet::_add(const char* name, IxoMepValue* value) {
     multi_ |= 1u << bucket;
   }
   static_cast<void>(owned.release());
+  ++changes_;
   if (count_++ == 0) first_value_ = value;
 }
 
@@ -67,6 +69,7 @@ void IxoMepValueSet::_deleteVals() noexcept {
   const std::uint32_t used = std::exchange(used_, 0);
   const std::uint32_t multi = std::exchange(multi_, 0);
   count_ = 0;
+  ++changes_;
   first_value_ = nullptr;
   names_.fill(NoName());
   for (std::uint32_t bucket = 0; bucket < kBuckets; ++bucket) {
@@ -84,6 +87,7 @@ void IxoMepValueSet::Clear() noexcept {
   if (count_ > 1) return _deleteVals();
   if (count_ == 0) return;
   count_ = 0;
+  ++changes_;
   names_[static_cast<std::size_t>(std::countr_zero(used_))] = NoName();
   used_ = 0;
   delete std::exchange(first_value_, nullptr);
@@ -112,12 +116,10 @@ IxoMepValue* IxoMepValueSet::OldGetLValue(const String& name) {
   return NewGetLValue(AddressOf(name));
 }
 
-void IxoMepValueSet::NewSetValue(const char* name, const IxoMepValue& value, bool local) {
+void IxoMepValueSet::SetElsewhere(const char* name, const IxoMepValue& value, bool local) {
   IxoMepValue* const found = local ? FindHere(name) : _find(name);
   if (found == nullptr) {
     _add(name, new IxoMepValue(value));
-  } else if (ixomep::IsScalar(value)) {
-    ixomep::StoreScalar(*found, value.GetType(), ixomep::ValueAccess::Bits(value));
   } else {
     *found = value;
   }

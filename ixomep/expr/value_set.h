@@ -34,7 +34,10 @@ class IXOMEP_API IxoMepValueSet {
   IxoMepValueSet& operator=(const IxoMepValueSet&) = delete;
   ~IxoMepValueSet();
 
-  void SetParent(IxoMepValueSet* parent) noexcept { parent_ = parent; }
+  void SetParent(IxoMepValueSet* parent) noexcept {
+    parent_ = parent;
+    ++changes_;
+  }
   IxoMepValueSet* GetParent() const noexcept { return parent_; }
 
   // Found here or in an ancestor?
@@ -47,7 +50,14 @@ class IXOMEP_API IxoMepValueSet {
   IxoMepValue* NewGetLValue(const char* name);
   IxoMepValue* OldGetLValue(const String& name);
   // Stores a copy. local: here only; else into the nearest scope that has the name, or here.
-  void NewSetValue(const char* name, const IxoMepValue& value, bool local);
+  void NewSetValue(const char* name, const IxoMepValue& value, bool local) {
+    IxoMepValue* const own = FindInline(IndexOf(name), name);
+    if (own != nullptr) {
+      *own = value;
+    } else {
+      SetElsewhere(name, value, local);
+    }
+  }
   void OldSetValue(const String& name, const IxoMepValue& value, bool local);
   template <class P>
   requires std::is_pointer_v<P> && std::convertible_to<P, const IxoMepValue*>
@@ -101,6 +111,9 @@ class IXOMEP_API IxoMepValueSet {
     }
     return found;
   }
+  // Goes up whenever a variable is added to or removed from any scope, or a scope gets a parent:
+  // while it stands still, what a lookup has found stays where it is.
+  static std::uint64_t Changes() noexcept { return changes_; }
   // Variables added since the scope was last emptied.
   std::uint32_t Count() const noexcept { return count_; }
 
@@ -117,6 +130,9 @@ class IXOMEP_API IxoMepValueSet {
   }
 
  private:
+  // NewSetValue for a name that is not inline in this scope.
+  void SetElsewhere(const char* name, const IxoMepValue& value, bool local);
+
   // The masks say which member counts: single for a used bucket, several for a multi bucket.
   union Slot {
     IxoMepValue* single;
@@ -145,6 +161,7 @@ class IXOMEP_API IxoMepValueSet {
   // No interned text and not null, which a caller may ask for.
   static const char* NoName() noexcept { return &no_name_; }
   static const char no_name_;
+  static std::uint64_t changes_;
 
   IxoMepValueSet* parent_;
   std::uint32_t count_ = 0;

@@ -155,9 +155,8 @@ struct ValueAccess {
     v.type_ = IxoMepValueType::Integer;
     v.SetInteger(n);
   }
-  // For Integer, Real, Measure and Time.
+  // For Integer, Real, Measure and Time, over a value that owns nothing.
   static void SetScalar(IxoMepValue& v, IxoMepValueType type, std::int64_t bits) noexcept {
-    Release(v);
     v.type_ = type;
     v.payload_.bits = bits;
   }
