@@ -1,11 +1,9 @@
 // Two numbers -> their order by twelve significant digits. Writing the digits is slow, so the
-// numbers decide wherever they must agree with the texts: rounding keeps order, hence different
-// texts stand in the order of the numbers, and texts can be equal only of numbers that are within
-// one unit of the twelfth digit. decimal_compare_test.cpp compares both ways.
+// numbers decide wherever they must agree with the texts; decimal_compare_test.cpp compares both
+// ways.
 #include "ixomep/expr/decimal_compare.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <string_view>
 
@@ -14,15 +12,6 @@
 namespace ixomep {
 
 namespace {
-
-// One unit of the twelfth digit is at most 1e-11 of a number; the rest is a margin.
-constexpr double kClose = 1.1e-11;
-// Inside these bounds neither the difference nor its relation to the numbers leaves the range of
-// normal doubles.
-constexpr double kSmallest = 1e-280;
-constexpr double kLargest = 1e280;
-
-bool IsPlain(double magnitude) noexcept { return magnitude >= kSmallest && magnitude <= kLargest; }
 
 // The digits in front of the point. Meant: a text without a point counts as endless, which puts
 // infinities and NaN beyond all numbers of their sign.
@@ -50,13 +39,9 @@ std::strong_ordering CompareDecimalTexts(double a, double b) noexcept {
 }
 
 std::strong_ordering CompareDecimals(double a, double b) noexcept {
+  if (!NumbersDecide(a, b)) return CompareDecimalTexts(a, b);
   if (a == b) return std::strong_ordering::equal;
-  const double a_size = std::fabs(a);
-  const double b_size = std::fabs(b);
-  if (IsPlain(a_size) && IsPlain(b_size) && std::fabs(a - b) > kClose * std::max(a_size, b_size)) {
-    return a < b ? std::strong_ordering::less : std::strong_ordering::greater;
-  }
-  return CompareDecimalTexts(a, b);
+  return a < b ? std::strong_ordering::less : std::strong_ordering::greater;
 }
 
 }  // namespace ixomep

@@ -2,6 +2,8 @@
 // significant digits, so that 0.1 + 0.2 equals 0.3. Defined in decimal_compare.cpp.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <compare>
 
 namespace ixomep {
@@ -12,5 +14,22 @@ std::strong_ordering CompareDecimals(double a, double b) noexcept;
 
 // The same, always by the texts.
 std::strong_ordering CompareDecimalTexts(double a, double b) noexcept;
+
+// Must the numbers' own order be that of their texts? Rounding keeps order, hence different texts
+// stand in the order of the numbers, and texts can be equal only of numbers that are within one
+// unit of the twelfth digit.
+inline bool NumbersDecide(double a, double b) noexcept {
+  // One unit of the twelfth digit is at most 1e-11 of a number; the rest is a margin.
+  constexpr double kClose = 1.1e-11;
+  // Inside these bounds neither the difference nor its relation to the numbers leaves the range of
+  // normal doubles.
+  constexpr double kSmallest = 1e-280;
+  constexpr double kLargest = 1e280;
+  if (a == b) return true;
+  const double a_size = std::fabs(a);
+  const double b_size = std::fabs(b);
+  return a_size >= kSmallest && b_size >= kSmallest && a_size <= kLargest && b_size <= kLargest &&
+         std::fabs(a - b) > kClose * std::max(a_size, b_size);
+}
 
 }  // namespace ixomep

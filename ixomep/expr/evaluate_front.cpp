@@ -2,6 +2,7 @@
 // slot becomes a local value and back: the result is stored last, because the slot may be the very
 // variable that is read, and nothing is thrown beyond this file.
 #include "ixomep/expr/binary_operators.h"
+#include "ixomep/expr/call_depth.h"
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/guarded.h"
 #include "ixomep/expr/program.h"
@@ -36,6 +37,18 @@ IxoMepErrorEnum RunWorker(Worker& worker, const IxoMepExprNode& node,
   });
   if (code != IMEPERR_NONE) FailResult(result, scope);
   return code;
+}
+
+// What functions of a host ask for most: a number under a name, into a value that is there. False,
+// and nothing is done, for everything else.
+bool StoreNumber(const char* name, const IxoMepValueSet* scope, IxoMepValue* result) noexcept {
+  if (scope == nullptr || result == nullptr) return false;
+  if (IxoMepExprNode::m_nCallDepth > ixomep::CallDepth::kMax) return false;
+  const IxoMepValue* const value = scope->_find(name);
+  if (value == nullptr || !ixomep::IsScalar(*value)) return false;
+  IxoMepExprNode::m_nCallDepth = 0;
+  *result = *value;
+  return true;
 }
 
 // Which worker serves a kind of node, when a host asks for one by its own name.
@@ -75,6 +88,7 @@ void ixomep::FailResult(IxoMepValue*& slot, const IxoMepValueSet* scope) noexcep
 IxoMepErrorEnum IxoMepExprNode::Evaluate(const IxoMepExpressionParser* parser,
                                          IxoMepValueSet* scope, IxoMepValue*& result,
                                          String& errorText, bool strict) const {
+  if (kind_ == Kind::Variable && StoreNumber(name_, scope, result)) return IMEPERR_NONE;
   return RunWorker(ixomep::Evaluate, *this, parser, scope, result, errorText, strict);
 }
 

@@ -16,7 +16,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <typeinfo>
 #include <vector>
 
 #include "ixomep/expr/evaluator.h"
@@ -118,9 +117,7 @@ class Run {
   // Does no host answer calls? Then they need not be handed to one. Found out when first asked.
   bool HasPlainParser() noexcept {
     if (calls_ == Calls::NotLooked) {
-      const bool is_plain = frame_.parser == nullptr ||
-                            typeid(*frame_.parser) == typeid(IxoMepExpressionParser);
-      calls_ = is_plain ? Calls::OfLambdas : Calls::OfTheHost;
+      calls_ = IsPlain(frame_.parser) ? Calls::OfLambdas : Calls::OfTheHost;
     }
     return calls_ == Calls::OfLambdas;
   }
@@ -161,6 +158,8 @@ class Run {
   void GiveScopeBack() noexcept;
   const IxoMepValue* FindArgument(const char* name) const noexcept;
   const IxoMepValue* FindFarther(const NameRef& ref) const noexcept;
+
+  static bool IsPlain(const IxoMepExpressionParser* parser) noexcept;
 
   enum class Calls : std::uint8_t { NotLooked, OfLambdas, OfTheHost };
 

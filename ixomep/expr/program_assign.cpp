@@ -13,6 +13,7 @@ using Type = IxoMepValueType;
 
 constexpr Reg kFailure{kTagFailed, 0};
 constexpr Reg kNothing{kTagUndefined, 0};
+constexpr Reg kUnwantedNumber{kTagInteger, 0};
 
 // `x := x + e` for a text in x: it grows in place. False when e is none.
 [[gnu::noinline]] bool AppendText(const AssignOp& op, IxoMepValue& variable, Run& run,
@@ -75,9 +76,13 @@ Reg AddOnly(const Op& op, Run& run) {
   const auto& assign = As<AssignOp>(op);
   IxoMepValue* const variable = run.FindToAssign(assign.variable);
   if (variable == nullptr) return RunAssignOnly(op, run);
+  const Reg more = NumberAtOnce<kMore>(assign.appended->right, run);
+  if (variable->GetType() == Type::Real && IsNumber(more)) {
+    ValueAccess::AddToReal(*variable, NumberOf(more));
+    return kUnwantedNumber;
+  }
   const Reg sum = Compute<IxoMepExprNodeType::Plus>(
-      {static_cast<std::int64_t>(variable->GetType()), ValueAccess::Bits(*variable)},
-      NumberAtOnce<kMore>(assign.appended->right, run));
+      {static_cast<std::int64_t>(variable->GetType()), ValueAccess::Bits(*variable)}, more);
   if (sum.tag == kNotMine.tag) return RunAssignOnly(op, run);
   ValueAccess::SetScalar(*variable, static_cast<Type>(sum.tag), sum.bits);
   return sum;

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <new>
 #include <stdexcept>
+#include <typeinfo>
 #include <utility>
 
 #include "ixomep/expr/node_ptr.h"
@@ -129,6 +130,17 @@ Run::Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* argument
       arguments_(arguments),
       entry_depth_(entry_depth),
       calls_(caller.calls_) {}
+
+// Comparing types may compare their names: a class that is another one is remembered.
+bool Run::IsPlain(const IxoMepExpressionParser* parser) noexcept {
+  if (parser == nullptr) return true;
+  static const std::type_info* other = nullptr;
+  const std::type_info& type = typeid(*parser);
+  if (&type == other) return false;
+  if (type == typeid(IxoMepExpressionParser)) return true;
+  other = &type;
+  return false;
+}
 
 const IxoMepValue* Run::FindArgument(const char* name) const noexcept {
   for (const Run* level = this; level != nullptr && level->arguments_ != nullptr;

@@ -175,7 +175,41 @@ class Compiler {
     if (BinaryFunction(node.GetType(), Shape::General, Shape::General) == nullptr) {
       return Plain(node, depth);
     }
-    return &MakeBinary(node, depth);
+    const BinaryOp& op = MakeBinary(node, depth);
+    return node.GetType() == Kind::Plus && IsQuiet(node) ? MakeTextSum(op) : &op;
+  }
+
+  static bool IsText(const TextSumOp::Part& part) noexcept {
+    const IxoMepValue* const value = part.operand.op->node->GetValue();
+    return part.shown || (value != nullptr && value->GetType() == IxoMepValueType::String);
+  }
+
+  static TextSumOp::Part PartOf(const Operand& operand) {
+    const bool shown = operand.op->node->GetType() == Kind::Str && operand.op->fn != &RunPlainly;
+    if (!shown) return {operand, false};
+    TextSumOp::Part part{static_cast<const UnaryOp*>(operand.op)->operand, true};
+    part.operand.op = operand.op;  // the whole, for what is no number at hand
+    return part;
+  }
+
+  // The sum as one of three or more parts when a text is among them, else as it was.
+  const Op* MakeTextSum(const BinaryOp& sum) {
+    const Op* const left = sum.left.op;
+    std::vector<TextSumOp::Part> parts;
+    if (left->fn == &RunTextSum) {
+      parts = static_cast<const TextSumOp*>(left)->parts;
+    } else if (left->node->GetType() == Kind::Plus && left->node->Left() != nullptr &&
+               left->fn != &RunPlainly) {
+      const auto* const inner = static_cast<const BinaryOp*>(left);
+      parts = {PartOf(inner->left), PartOf(inner->right)};
+    }
+    if (parts.empty() || parts.size() == TextSumOp::kMaxParts) return &sum;
+    parts.push_back(PartOf(sum.right));
+    if (std::none_of(parts.begin(), parts.end(), IsText)) return &sum;
+    auto& op = New<TextSumOp>(*sum.node, sum.depth, &RunTextSum);
+    op.parts = std::move(parts);
+    op.plain = &sum;
+    return &op;
   }
 
   const BinaryOp& MakeBinary(const IxoMepExprNode& node, SpineDepth depth) {

@@ -67,7 +67,8 @@ template <Shape kShape>
     const IxoMepValue* value = nullptr;
     if constexpr (kShape == Shape::Argument) value = run.Argument(operand.argument);
     if constexpr (kShape == Shape::Variable) value = run.FindAtOnce(operand.name);
-    if (value == nullptr) [[unlikely]] return kNotMine;
+    if (value == nullptr) [[unlikely]]
+      return kNotMine;
     return {static_cast<std::int64_t>(value->GetType()), ValueAccess::Bits(*value)};
   }
 }
@@ -125,7 +126,9 @@ Reg ComputeReals(double x, double y) noexcept {
   } else if constexpr (kKind == IxoMepExprNodeType::Divide) {
     return y != 0.0 ? RealReg(x / y) : kNotMine;
   } else if constexpr (IsComparison(kKind)) {
-    const std::strong_ordering order = CompareDecimals(x, y);
+    if (NumbersDecide(x, y)) [[likely]]
+      return IntegerReg(Compared<kKind>(x, y));
+    const std::strong_ordering order = CompareDecimalTexts(x, y);
     return IntegerReg(Compared<kKind>((order > 0) - (order < 0), 0));
   } else {
     return IntegerReg(kKind == IxoMepExprNodeType::And ? x != 0.0 && y != 0.0
@@ -155,7 +158,7 @@ template <IxoMepExprNodeType kKind>
     return a.tag == kTagInteger ? IntegerReg(Wrapped<IxoMepExprNodeType::Minus>(0, IntegerOf(a)))
                                 : RealReg(-RealOf(a));
   } else if constexpr (kKind == IxoMepExprNodeType::Not) {
-    return IntegerReg(NumberOf(a) == 0.0);
+    return IntegerReg(a.tag == kTagInteger ? IntegerOf(a) == 0 : RealOf(a) == 0.0);
   } else {
     static_assert(kKind == IxoMepExprNodeType::Real);
     return RealReg(NumberOf(a));

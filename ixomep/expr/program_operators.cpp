@@ -229,33 +229,35 @@ Reg RunArgument(const Op& op, Run& run) {
   return value != nullptr ? CopyOf(*value) : ReadAbsent(op, run);
 }
 
-// The stored value of a name, and the element that two names or a name and a number select; null
-// for everything else.
+// A value that stands somewhere, of a name or a constant; null for everything else.
 const IxoMepValue* Peek(const Operand& operand, const Run& run) noexcept {
   if (operand.shape == Shape::Variable) return run.Find(operand.name);
-  return operand.shape == Shape::Argument ? FindArgument(operand, run) : nullptr;
+  if (operand.shape == Shape::Argument) return FindArgument(operand, run);
+  return operand.op->fn == &RunConstant ? As<ConstantOp>(*operand.op).value : nullptr;
 }
 
-bool PeekIndex(const Operand& operand, const Run& run, std::int32_t& index) noexcept {
-  if (operand.shape == Shape::Number) {
-    index = IntegerOf(operand.number);
-    return operand.number.tag == kTagInteger;
-  }
-  const IxoMepValue* const value = Peek(operand, run);
-  if (value == nullptr || value->GetType() != Type::Integer) return false;
-  index = ValueAccess::Integer(*value);
-  return true;
+const IxoMepValue* PeekEntry(const IxoMepValue& map, const ElementOp& element, const Run& run) {
+  const IxoMepValue* const key = Peek(element.index, run);
+  if (key == nullptr) return nullptr;
+  const IxoMepValue* const entry = ValueAccess::FindEntry(map, ValueAccess::Follow(*key));
+  return entry != nullptr ? entry : IxoMepValue::GetNull();
 }
 
-const IxoMepValue* PeekElement(const ElementOp& element, const Run& run) noexcept {
+// The element that a name or number selects in the container that stands under a name; null for
+// everything else.
+const IxoMepValue* PeekElement(const ElementOp& element, const Run& run) {
   const IxoMepValue* const base = Peek(element.base, run);
-  std::int32_t index = 0;
-  if (base == nullptr || base->GetType() != Type::Array || !PeekIndex(element.index, run, index)) {
-    return nullptr;
-  }
-  return ValueAccess::HasElement(*base, index)
-             ? &ValueAccess::Element(*base, static_cast<std::size_t>(index))
-             : nullptr;
+  if (base == nullptr) return nullptr;
+  if (base->GetType() == Type::Map) return PeekEntry(*base, element, run);
+  const Reg index = element.index.shape == Shape::Variable
+                        ? NumberAtOnce<Shape::Variable>(element.index, run)
+                    : element.index.shape == Shape::Argument
+                        ? NumberAtOnce<Shape::Argument>(element.index, run)
+                        : element.index.number;
+  const bool is_element = base->GetType() == Type::Array && index.tag == kTagInteger &&
+                          ValueAccess::HasElement(*base, IntegerOf(index));
+  return is_element ? &ValueAccess::Element(*base, static_cast<std::size_t>(IntegerOf(index)))
+                    : nullptr;
 }
 
 // Base and index are quiet, so that the index may be read first and the node be evaluated again

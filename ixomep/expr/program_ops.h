@@ -41,6 +41,16 @@ struct BinaryOp : Op {
   Operand left;
   Operand right;
 };
+// A chain of "+" in which texts are likely.
+struct TextSumOp : Op {
+  static constexpr std::size_t kMaxParts = 8;
+  struct Part {
+    Operand operand;
+    bool shown = false;  // STR of the operand
+  };
+  std::vector<Part> parts;
+  const Op* plain = nullptr;  // the chain, one "+" after the other
+};
 struct ElementOp : Op {
   Operand base;
   Operand index;
@@ -92,6 +102,7 @@ Reg RunNumber(const Op& op, Run& run);
 Reg RunVariable(const Op& op, Run& run);
 Reg RunArgument(const Op& op, Run& run);
 Reg RunElement(const Op& op, Run& run);
+Reg RunTextSum(const Op& op, Run& run);
 // Operators; null for one that has no operation.
 Op::Fn BinaryFunction(IxoMepExprNodeType kind, Shape left, Shape right) noexcept;
 Op::Fn UnaryFunction(IxoMepExprNodeType kind, Shape operand) noexcept;

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -40,6 +41,8 @@ class IXOMEP_API String {
   explicit String(const ResId& id);
   // `count` times the byte; empty for a count below 1.
   static String Filled(std::int32_t count, char byte);
+  // The parts one behind the other.
+  static String Joined(std::span<const std::string_view> parts);
 
   String(const String& other) noexcept : rep_(other.rep_) { Keep(rep_); }
   String(String&& other) noexcept : rep_(other.rep_) { other.rep_ = EmptyRep(); }

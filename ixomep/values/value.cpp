@@ -148,6 +148,10 @@ void IxoMepValue::CopyOwner(const IxoMepValue& other) {
 }
 
 IxoMepValue& IxoMepValue::AssignOwner(const IxoMepValue& other) {
+  if (type_ == Type::String && other.type_ == Type::String) {
+    ValueAccess::Text(*this) = ValueAccess::Text(other);
+    return *this;
+  }
   if (this == &other) return *this;
   IxoMepValue copy;
   if (other.type_ == Type::Array || other.type_ == Type::Map) {

@@ -52,10 +52,19 @@ void MapRep::operator delete(void* block) noexcept { MapBlocks::Give(block); }
 
 // --- Reading ------------------------------------------------------------------------------------
 
+const IxoMepValueMap::value_type* ValueAccess::Lookup(const IxoMepValue& map,
+                                                      const IxoMepValue& key) {
+  MapRep& rep = *Map(map);
+  if (key.type_ == IxoMepValueType::String && rep.index.IsReady(rep.items)) {
+    return rep.index.Find(Text(key).view());
+  }
+  const auto entry = rep.items.find(&key);
+  return entry == rep.items.end() ? nullptr : &*entry;
+}
+
 const IxoMepValue* ValueAccess::FindEntry(const IxoMepValue& map, const IxoMepValue& key) {
-  const IxoMepValueMap& entries = Entries(map);
-  const auto entry = entries.find(&key);
-  return entry == entries.end() ? nullptr : &OrNull(entry->second);
+  const IxoMepValueMap::value_type* const entry = Lookup(map, key);
+  return entry == nullptr ? nullptr : &OrNull(entry->second);
 }
 
 const IxoMepValue& ValueAccess::KeyAt(const IxoMepValue& map, std::size_t index) noexcept {
@@ -94,10 +103,17 @@ IxoMepValueList& ValueAccess::OwnItems(IxoMepValue& v) {
 }
 
 IxoMepValueMap& ValueAccess::OwnEntries(IxoMepValue& v) {
+  IxoMepValueMap& entries = OwnEntriesWithTheirKeys(v);
+  MapRep& rep = *Map(v);
+  rep.cursor_index = MapRep::kNoCursor;
+  rep.index.Drop();
+  return entries;
+}
+
+IxoMepValueMap& ValueAccess::OwnEntriesWithTheirKeys(IxoMepValue& v) {
   if (Map(v)->IsShared()) Unshare(v);
   MapRep& rep = *Map(v);
   rep.clean = false;
-  rep.cursor_index = MapRep::kNoCursor;
   return rep.items;
 }
 
@@ -116,9 +132,11 @@ IxoMepValue* ValueAccess::OwnEntry(IxoMepValue& map, const IxoMepValue& key, boo
 }
 
 IxoMepValue*& ValueAccess::OwnEntrySlot(IxoMepValue& map, const IxoMepValue& key) {
+  OwnEntriesWithTheirKeys(map);
+  if (const TextIndex::Entry* const entry = Lookup(map, key)) {
+    return const_cast<TextIndex::Entry*>(entry)->second;
+  }
   IxoMepValueMap& entries = OwnEntries(map);
-  const auto entry = entries.find(&key);
-  if (entry != entries.end()) return entry->second;
   CountBytes(*Map(map), (entries.size() + 1) * kEntryBytes);
   ValuePtr own_key = MakeValue(key);
   const auto [place, inserted] = entries.emplace(own_key.get(), nullptr);

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "ixomep/values/slot.h"
+#include "ixomep/values/text_index.h"
 #include "ixomep/values/value.h"
 
 namespace ixomep {
@@ -40,6 +41,7 @@ struct MapRep : RepHeader {
   static constexpr std::size_t kNoCursor = static_cast<std::size_t>(-1);
   std::size_t cursor_index = kNoCursor;
   IxoMepValueMap::const_iterator cursor;
+  TextIndex index;
 
   static void* operator new(std::size_t size);
   static void operator delete(void* block) noexcept;
@@ -82,7 +84,9 @@ struct ValueAccess {
   // step, and make the new content before asking for the place, because copying the container in
   // between shares the storage that the place stands in.
   static IxoMepValueList& OwnItems(IxoMepValue& v);
+  // For one that adds or removes entries; what only changes the values under keys uses the other.
   static IxoMepValueMap& OwnEntries(IxoMepValue& v);
+  static IxoMepValueMap& OwnEntriesWithTheirKeys(IxoMepValue& v);
   // The element as a place to write to (unshared); null for an empty slot.
   static IxoMepValue* OwnElement(IxoMepValue& array, std::size_t index);
   // The entry as a place to write to; created undefined when absent and `create`, else null.
@@ -102,6 +106,7 @@ struct ValueAccess {
   }
   // Null when there is no such key.
   static const IxoMepValue* FindEntry(const IxoMepValue& map, const IxoMepValue& key);
+  static const IxoMepValueMap::value_type* Lookup(const IxoMepValue& map, const IxoMepValue& key);
   // The key with that number in map order; asking in ascending order is fast.
   static const IxoMepValue& KeyAt(const IxoMepValue& map, std::size_t index) noexcept;
 
@@ -160,6 +165,8 @@ struct ValueAccess {
     v.type_ = type;
     v.payload_.bits = bits;
   }
+  // For a Real. In place, where the number need not leave the machine's floating-point unit.
+  static void AddToReal(IxoMepValue& v, double d) noexcept { v.payload_.real += d; }
   static void SetNumber(IxoMepValue& v, IxoMepValueType type, double d) noexcept {
     Release(v);
     v.type_ = type;
