@@ -89,6 +89,10 @@ IxoMepExprNode::IxoMepExprNode(Kind kind, const char* name)
   static_cast<void>(functions_known);
 }
 
+IxoMepExprNode* NodeAccess::New(Kind kind, const char* name) {
+  return new IxoMepExprNode(kind, name);
+}
+
 void* IxoMepExprNode::operator new(std::size_t) { return NodePool::Take(); }
 
 void IxoMepExprNode::operator delete(void* block) noexcept {

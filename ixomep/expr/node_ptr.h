@@ -9,6 +9,40 @@
 
 namespace ixomep {
 
+class NodePtr;
+
+// Fields of a node. Setters are for nodes under construction only: a finished tree is never
+// changed.
+struct NodeAccess {
+  // A new node; the caller owns it.
+  static IxoMepExprNode* New(IxoMepExprNodeType kind, const char* name);
+  static IxoMepExprNode* Left(const IxoMepExprNode& n) noexcept { return n.left_; }
+  static IxoMepExprNode* Right(const IxoMepExprNode& n) noexcept { return n.right_; }
+  static IxoMepValue* Value(const IxoMepExprNode& n) noexcept { return n.value_; }
+  static void SetLeft(IxoMepExprNode& n, NodePtr left) noexcept;
+  static void SetRight(IxoMepExprNode& n, NodePtr right) noexcept;
+  static void SetValue(IxoMepExprNode& n, ValuePtr value) noexcept { n.value_ = value.release(); }
+  static void SetKind(IxoMepExprNode& n, IxoMepExprNodeType kind) noexcept { n.kind_ = kind; }
+  static void SetName(IxoMepExprNode& n, const char* name) noexcept { n.name_ = name; }
+  // Gives one further owner back; false when there was none, and n is its last owner's.
+  static bool DropFurtherOwner(IxoMepExprNode& n) noexcept {
+    if ((n.extra_references_ & IxoMepExprNode::kCountMask) == 0) return false;
+    --n.extra_references_;
+    return true;
+  }
+  // What is known of the tree that begins at the node (program_table.cpp).
+  enum class Mark : std::uint32_t { Fresh, Seen, HasEntry };
+  static Mark GetMark(const IxoMepExprNode& n) noexcept {
+    return static_cast<Mark>(n.extra_references_ >> 30);
+  }
+  static void SetMark(const IxoMepExprNode& n, Mark mark) noexcept {
+    n.extra_references_ =
+        (n.extra_references_ & IxoMepExprNode::kCountMask) | static_cast<std::uint32_t>(mark) << 30;
+  }
+  // Returns the block to the pool; value and children are the caller's.
+  static void Free(IxoMepExprNode& n) noexcept { delete &n; }
+};
+
 // Owns one reference to a node.
 class NodePtr {
  public:
@@ -32,7 +66,7 @@ class NodePtr {
     return NodePtr(node != nullptr ? const_cast<IxoMepExprNode*>(node)->NewReference() : nullptr);
   }
   static NodePtr Make(IxoMepExprNodeType kind, const char* name = nullptr) {
-    return NodePtr(new IxoMepExprNode(kind, name));
+    return NodePtr(NodeAccess::New(kind, name));
   }
 
   IxoMepExprNode* get() const noexcept { return node_; }
@@ -48,34 +82,11 @@ class NodePtr {
   IxoMepExprNode* node_ = nullptr;
 };
 
-// Fields of a node. Setters are for nodes under construction only: a finished tree is never
-// changed.
-struct NodeAccess {
-  static IxoMepExprNode* Left(const IxoMepExprNode& n) noexcept { return n.left_; }
-  static IxoMepExprNode* Right(const IxoMepExprNode& n) noexcept { return n.right_; }
-  static IxoMepValue* Value(const IxoMepExprNode& n) noexcept { return n.value_; }
-  static void SetLeft(IxoMepExprNode& n, NodePtr left) noexcept { n.left_ = left.Release(); }
-  static void SetRight(IxoMepExprNode& n, NodePtr right) noexcept { n.right_ = right.Release(); }
-  static void SetValue(IxoMepExprNode& n, ValuePtr value) noexcept { n.value_ = value.release(); }
-  static void SetKind(IxoMepExprNode& n, IxoMepExprNodeType kind) noexcept { n.kind_ = kind; }
-  static void SetName(IxoMepExprNode& n, const char* name) noexcept { n.name_ = name; }
-  // Gives one further owner back; false when there was none, and n is its last owner's.
-  static bool DropFurtherOwner(IxoMepExprNode& n) noexcept {
-    if ((n.extra_references_ & IxoMepExprNode::kCountMask) == 0) return false;
-    --n.extra_references_;
-    return true;
-  }
-  // What is known of the tree that begins at the node (program_table.cpp).
-  enum class Mark : std::uint32_t { Fresh, Seen, HasEntry };
-  static Mark GetMark(const IxoMepExprNode& n) noexcept {
-    return static_cast<Mark>(n.extra_references_ >> 30);
-  }
-  static void SetMark(const IxoMepExprNode& n, Mark mark) noexcept {
-    n.extra_references_ =
-        (n.extra_references_ & IxoMepExprNode::kCountMask) | static_cast<std::uint32_t>(mark) << 30;
-  }
-  // Returns the block to the pool; value and children are the caller's.
-  static void Free(IxoMepExprNode& n) noexcept { delete &n; }
-};
+inline void NodeAccess::SetLeft(IxoMepExprNode& n, NodePtr left) noexcept {
+  n.left_ = left.Release();
+}
+inline void NodeAccess::SetRight(IxoMepExprNode& n, NodePtr right) noexcept {
+  n.right_ = right.Release();
+}
 
 }  // namespace ixomep

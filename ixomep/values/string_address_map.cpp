@@ -1,32 +1,140 @@
-// Interning. The texts are kept in a hash table of views, each over a copy of its own that never
-// moves; their order shows nowhere, so that they need not be kept in it.
+// Interning. Every name is copied into a chunk of memory that never moves and found again through a
+// hash table, in which a name stands within a few places of where its hash points. Texts may be
+// written to have equal hashes: what finds no place there goes into an ordered set, so that no
+// name is slow to find. The order of the names shows nowhere.
 #include "ixomep/values/string_address_map.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <new>
-#include <unordered_set>
+#include <set>
+#include <vector>
 
 using Map = IxoMepStringAddressMap;
 
 struct IxoMepStringAddressMap::Names {
-  Names() = default;
+  Names() : slots_(kFirstSlots) {}
   Names(const Names& other) : Names() {
-    for (const std::string_view name : other.set) Add(name);
+    for (const Slot& slot : other.slots_) {
+      if (slot.text != nullptr) Intern(slot.View());
+    }
+    for (const std::string_view name : other.crowded_) Intern(name);
   }
   Names& operator=(const Names&) = delete;
-  ~Names() {
-    for (const std::string_view name : set) delete[] name.data();
+
+  const char* Intern(std::string_view name) {
+    const std::uint32_t hash = HashOf(name);
+    for (std::size_t i = 0; i < kReach; ++i) {
+      const Slot& slot = SlotAt(slots_, hash, i);
+      if (slot.text == nullptr) break;
+      if (slot.hash == hash && slot.View() == name) return slot.text;
+    }
+    if (!crowded_.empty()) {
+      const auto found = crowded_.find(name);
+      if (found != crowded_.end()) return found->data();
+    }
+    return Add(name, hash);
   }
 
-  const char* Add(std::string_view name) {
-    std::unique_ptr<char[]> copy(new char[name.size() + 1]);
-    std::memcpy(copy.get(), name.data(), name.size());
-    copy[name.size()] = '\0';
-    set.emplace(copy.get(), name.size());
-    return copy.release();
+ private:
+  struct Slot {
+    const char* text = nullptr;
+    std::uint32_t hash = 0;
+    std::uint32_t length = 0;
+    std::string_view View() const { return {text, length}; }
+  };
+  using Slots = std::vector<Slot>;  // a power of two of them
+  static constexpr std::size_t kFirstSlots = 512;
+  static constexpr std::size_t kReach = 16;  // places from where the hash points
+  static constexpr std::size_t kChunkBytes = 16 * 1024;
+
+  // Eight bytes at a time; short names are most names.
+  static std::uint32_t HashOf(std::string_view name) noexcept {
+    constexpr std::uint64_t kFactor = 0x9e3779b97f4a7c15u;
+    std::uint64_t hash = name.size() * kFactor;
+    while (name.size() >= 8) {
+      hash = Mixed(hash, WordOf(name.data(), 8), kFactor);
+      name.remove_prefix(8);
+    }
+    if (!name.empty()) hash = Mixed(hash, WordOf(name.data(), name.size()), kFactor);
+    return static_cast<std::uint32_t>(hash ^ hash >> 32);
+  }
+  static std::uint64_t Mixed(std::uint64_t hash, std::uint64_t word,
+                             std::uint64_t factor) noexcept {
+    hash = (hash ^ word) * factor;
+    return (hash ^ hash >> 29) * factor;
+  }
+  static std::uint64_t WordOf(const char* bytes, std::size_t count) noexcept {
+    std::uint64_t word = 0;
+    if (count == 8) {
+      std::memcpy(&word, bytes, 8);
+    } else {
+      for (std::size_t i = 0; i < count; ++i) {
+        word = word << 8 | static_cast<unsigned char>(bytes[i]);
+      }
+    }
+    return word;
   }
 
-  std::unordered_set<std::string_view> set;
+  static Slot& SlotAt(Slots& table, std::uint32_t hash, std::size_t step) {
+    return table[(hash + step) & (table.size() - 1)];
+  }
+
+  // The name is new. A failed allocation leaves all names as they were.
+  const char* Add(std::string_view name, std::uint32_t hash) {
+    if (count_ * 2 >= slots_.size()) Grow();
+    const Slot added{NewText(name), hash, static_cast<std::uint32_t>(name.size())};
+    if (!Place(slots_, added)) crowded_.insert(added.View());
+    ++count_;
+    return added.text;
+  }
+
+  static bool Place(Slots& table, const Slot& added) noexcept {
+    for (std::size_t i = 0; i < kReach; ++i) {
+      Slot& slot = SlotAt(table, added.hash, i);
+      if (slot.text != nullptr) continue;
+      slot = added;
+      return true;
+    }
+    return false;
+  }
+
+  // Twice the places. Names of the ordered set stay there.
+  void Grow() {
+    Slots larger(slots_.size() * 2);
+    for (const Slot& slot : slots_) {
+      if (slot.text != nullptr && !Place(larger, slot)) crowded_.insert(slot.View());
+    }
+    slots_.swap(larger);
+  }
+
+  char* NewText(std::string_view name) {
+    const std::size_t bytes = name.size() + 1;
+    char* text = free_;
+    if (bytes > kChunkBytes / 4) {
+      chunks_.push_back(std::unique_ptr<char[]>(new char[bytes]));
+      text = chunks_.back().get();
+    } else {
+      if (bytes > left_) {
+        chunks_.push_back(std::unique_ptr<char[]>(new char[kChunkBytes]));
+        free_ = text = chunks_.back().get();
+        left_ = kChunkBytes;
+      }
+      free_ += bytes;
+      left_ -= bytes;
+    }
+    std::memcpy(text, name.data(), name.size());
+    text[name.size()] = '\0';
+    return text;
+  }
+
+  Slots slots_;  // at most half of them taken
+  std::size_t count_ = 0;
+  std::set<std::string_view> crowded_;
+  std::vector<std::unique_ptr<char[]>> chunks_;
+  char* free_ = nullptr;  // in the last chunk
+  std::size_t left_ = 0;
 };
 
 IxoMepStringAddressMap::IxoMepStringAddressMap() = default;
@@ -60,8 +168,7 @@ const char* IxoMepStringAddressMap::GetAddress(const String& name) { return Glob
 const char* IxoMepStringAddressMap::Intern(std::string_view name) {
   if (name.empty()) return nullptr;
   if (names_ == nullptr) names_ = std::make_unique<Names>();
-  const auto found = names_->set.find(name);
-  return found != names_->set.end() ? found->data() : names_->Add(name);
+  return names_->Intern(name);
 }
 
 const char* const Map::IMEPSAM_COPY = GetAddress("copy");
