@@ -24,67 +24,82 @@ struct IxoMepStringAddressMap::Names {
   Names& operator=(const Names&) = delete;
 
   const char* Intern(std::string_view name) {
-    const std::uint32_t hash = HashOf(name);
+    const Key key = KeyOf(name);
     for (std::size_t i = 0; i < kReach; ++i) {
-      const Slot& slot = SlotAt(slots_, hash, i);
+      const Slot& slot = SlotAt(slots_, key.hash, i);
       if (slot.text == nullptr) break;
-      if (slot.hash == hash && slot.View() == name) return slot.text;
+      if (slot.Holds(key, name)) return slot.text;
     }
     if (!crowded_.empty()) {
       const auto found = crowded_.find(name);
       if (found != crowded_.end()) return found->data();
     }
-    return Add(name, hash);
+    return Add(name, key);
   }
 
  private:
-  struct Slot {
-    const char* text = nullptr;
-    std::uint32_t hash = 0;
-    std::uint32_t length = 0;
-    std::string_view View() const { return {text, length}; }
-  };
-  using Slots = std::vector<Slot>;  // a power of two of them
   static constexpr std::size_t kFirstSlots = 512;
   static constexpr std::size_t kReach = 16;  // places from where the hash points
   static constexpr std::size_t kChunkBytes = 16 * 1024;
 
-  // Eight bytes at a time; short names are most names.
-  static std::uint32_t HashOf(std::string_view name) noexcept {
+  // What a name is compared by: all of a name of up to eight bytes is in its last word.
+  struct Key {
+    std::uint64_t word;
+    std::uint32_t hash;
+    std::uint32_t length;
+  };
+
+  static Key KeyOf(std::string_view name) noexcept {
     constexpr std::uint64_t kFactor = 0x9e3779b97f4a7c15u;
-    std::uint64_t hash = name.size() * kFactor;
-    while (name.size() >= 8) {
-      hash = Mixed(hash, WordOf(name.data(), 8), kFactor);
-      name.remove_prefix(8);
-    }
-    if (!name.empty()) hash = Mixed(hash, WordOf(name.data(), name.size()), kFactor);
-    return static_cast<std::uint32_t>(hash ^ hash >> 32);
+    const auto mixed = [](std::uint64_t hash, std::uint64_t word) {
+      hash = (hash ^ word) * kFactor;
+      return (hash ^ hash >> 29) * kFactor;
+    };
+    const auto length = static_cast<std::uint32_t>(name.size());
+    std::uint64_t hash = length * kFactor;
+    for (; name.size() > 8; name.remove_prefix(8)) hash = mixed(hash, Load<std::uint64_t>(name));
+    const std::uint64_t word = LastWord(name);
+    hash = mixed(hash, word);
+    return {word, static_cast<std::uint32_t>(hash ^ hash >> 32), length};
   }
-  static std::uint64_t Mixed(std::uint64_t hash, std::uint64_t word,
-                             std::uint64_t factor) noexcept {
-    hash = (hash ^ word) * factor;
-    return (hash ^ hash >> 29) * factor;
-  }
-  static std::uint64_t WordOf(const char* bytes, std::size_t count) noexcept {
-    std::uint64_t word = 0;
-    if (count == 8) {
-      std::memcpy(&word, bytes, 8);
-    } else {
-      for (std::size_t i = 0; i < count; ++i) {
-        word = word << 8 | static_cast<unsigned char>(bytes[i]);
-      }
-    }
+  template <class Word>
+  static Word Load(std::string_view bytes, std::size_t from = 0) noexcept {
+    Word word;
+    std::memcpy(&word, bytes.data() + from, sizeof word);
     return word;
   }
+  // One to eight bytes; different for different bytes of one length.
+  static std::uint64_t LastWord(std::string_view bytes) noexcept {
+    const std::size_t size = bytes.size();
+    if (size == 8) return Load<std::uint64_t>(bytes);
+    if (size >= 4) {
+      return std::uint64_t{Load<std::uint32_t>(bytes)} << 32 | Load<std::uint32_t>(bytes, size - 4);
+    }
+    const auto at = [&](std::size_t i) {
+      return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i]));
+    };
+    return at(0) << 16 | at(size / 2) << 8 | at(size - 1);
+  }
+
+  struct Slot {
+    const char* text = nullptr;
+    Key key = {};
+    std::string_view View() const { return {text, key.length}; }
+    bool Holds(const Key& other, std::string_view name) const noexcept {
+      return key.word == other.word && key.length == other.length &&
+             (key.length <= 8 || (key.hash == other.hash && View() == name));
+    }
+  };
+  using Slots = std::vector<Slot>;  // a power of two of them
 
   static Slot& SlotAt(Slots& table, std::uint32_t hash, std::size_t step) {
     return table[(hash + step) & (table.size() - 1)];
   }
 
   // The name is new. A failed allocation leaves all names as they were.
-  const char* Add(std::string_view name, std::uint32_t hash) {
+  const char* Add(std::string_view name, const Key& key) {
     if (count_ * 2 >= slots_.size()) Grow();
-    const Slot added{NewText(name), hash, static_cast<std::uint32_t>(name.size())};
+    const Slot added{NewText(name), key};
     if (!Place(slots_, added)) crowded_.insert(added.View());
     ++count_;
     return added.text;
@@ -92,7 +107,7 @@ struct IxoMepStringAddressMap::Names {
 
   static bool Place(Slots& table, const Slot& added) noexcept {
     for (std::size_t i = 0; i < kReach; ++i) {
-      Slot& slot = SlotAt(table, added.hash, i);
+      Slot& slot = SlotAt(table, added.key.hash, i);
       if (slot.text != nullptr) continue;
       slot = added;
       return true;
