@@ -154,7 +154,7 @@ bool Scanner::ReadKeyword(TokenList& tokens) {
     if (word.size() > kMaxShownWord) shown += "...";
     return Fail(IMEPERR_UNKNOWN_KEYWORD, {{"%s", shown}});
   }
-  tokens.Append(row->kind, Offset());
+  tokens.AppendSymbol(row->kind, Offset());
   return true;
 }
 
@@ -164,8 +164,7 @@ void Scanner::ReadName(TokenList& tokens) {
   ++position_;
   while (CharClass::IsNameByte(Peek()) || (hyphens && Peek() == '-')) ++position_;
   const std::size_t begin = start_ + (hyphens ? 1 : 0);
-  const char* const name = names_.Intern(bytes_.substr(begin, position_ - begin));
-  tokens.Append(NodePtr::Make(IxoMepExprNodeType::Variable, name), Offset());
+  tokens.AppendName(names_.Intern(bytes_.substr(begin, position_ - begin)), Offset());
 }
 
 // The frequent literal, without the general reader: few digits that nothing follows which could
@@ -181,7 +180,7 @@ bool Scanner::ReadWholeNumber(TokenList& tokens) {
   const char next = bytes_[end];
   if (CharClass::IsNameByte(next) || next == '.' || next == '%' || next == ':') return false;
   position_ = end;
-  AppendConstant(MakeValue(number), tokens);
+  tokens.AppendConstant(MakeValue(number), Offset());
   return true;
 }
 
@@ -194,14 +193,8 @@ bool Scanner::ReadLiteral(TokenList& tokens) {
     return false;
   }
   position_ = static_cast<std::size_t>(position);
-  AppendConstant(std::move(value), tokens);
+  tokens.AppendConstant(std::move(value), Offset());
   return true;
-}
-
-void Scanner::AppendConstant(ValuePtr value, TokenList& tokens) {
-  NodePtr token = NodePtr::Make(IxoMepExprNodeType::Constant);
-  NodeAccess::SetValue(*token, std::move(value));
-  tokens.Append(std::move(token), Offset());
 }
 
 bool Scanner::ReadSymbol(TokenList& tokens) {
@@ -219,7 +212,7 @@ bool Scanner::ReadSymbol(TokenList& tokens) {
   }
   if (kind == IxoMepExprNodeType::Constant) return Fail(IMEPERR_UNKNOWN_CHARACTER);
   position_ += length;
-  tokens.Append(kind, Offset());
+  tokens.AppendSymbol(kind, Offset());
   return true;
 }
 

@@ -45,7 +45,6 @@ class Scanner final : public TokenSource {
   bool ReadWholeNumber(TokenList& tokens);
   bool ReadLiteral(TokenList& tokens);
   bool ReadSymbol(TokenList& tokens);
-  void AppendConstant(ValuePtr value, TokenList& tokens);
 
   const String& text_;
   std::string_view bytes_;

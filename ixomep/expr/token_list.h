@@ -1,7 +1,8 @@
 // Internal: the tokens of one expression text, appended by the scanner and consumed from the front
-// by the grammar; a list with a source asks it for more whenever it has run out. A token is a
-// node; that of an operator or a bracket is made when it is taken, because most brackets and
-// separators are only dropped. Beside it stands its byte offset, for error places.
+// by the grammar; a list with a source asks it for more whenever it has run out. A token becomes a
+// node when it is taken: the nodes of a tree so lie in memory in the order in which it is built,
+// and brackets and separators, which are only dropped, cost none. Beside it stands its byte offset,
+// for error places.
 #pragma once
 
 #include <cstddef>
@@ -39,16 +40,17 @@ class TokenList {
   TokenList& operator=(const TokenList&) = delete;
   ~TokenList() { Clear(); }
 
-  // A name or constant.
-  void Append(NodePtr token, std::int32_t offset) {
-    tokens_.push_back({token.get(), offset, token->GetType()});
-    static_cast<void>(token.Release());
-    ShowFront();
+  // name: an interned address.
+  void AppendName(const char* name, std::int32_t offset) {
+    Append({name, nullptr, offset, IxoMepExprNodeType::Variable});
+  }
+  void AppendConstant(ValuePtr value, std::int32_t offset) {
+    Append({nullptr, value.get(), offset, IxoMepExprNodeType::Constant});
+    static_cast<void>(value.release());
   }
   // An operator, bracket or separator.
-  void Append(IxoMepExprNodeType kind, std::int32_t offset) {
-    tokens_.push_back({nullptr, offset, kind});
-    ShowFront();
+  void AppendSymbol(IxoMepExprNodeType kind, std::int32_t offset) {
+    Append({nullptr, nullptr, offset, kind});
   }
   bool IsEmpty() const noexcept { return front_kind_ == kNone; }
   // False when there is no token left.
@@ -60,13 +62,13 @@ class TokenList {
   // There must be one.
   NodePtr TakeFront() {
     Token& token = tokens_[front_];
-    NodePtr node(token.node != nullptr ? std::exchange(token.node, nullptr)
-                                       : NodeAccess::New(token.kind, nullptr));
+    NodePtr node = NodePtr::Make(token.kind, token.name);
+    if (token.value != nullptr) NodeAccess::SetValue(*node, token.TakeValue());
     Next();
     return node;
   }
   void DropFront() {
-    NodePtr dropped(std::exchange(tokens_[front_].node, nullptr));
+    tokens_[front_].TakeValue();
     Next();
   }
   // Drops the front token when it is of that kind, and says so.
@@ -85,14 +87,18 @@ class TokenList {
 
  private:
   struct Token {
-    IxoMepExprNode* node;  // owned; null: to be made when taken
+    const char* name;    // of a Variable
+    IxoMepValue* value;  // of a Constant; owned
     std::int32_t offset;
     IxoMepExprNodeType kind;
+
+    ValuePtr TakeValue() noexcept { return ValuePtr(std::exchange(value, nullptr)); }
   };
   static constexpr IxoMepExprNodeType kNone = static_cast<IxoMepExprNodeType>(-1);
 
-  void ShowFront() noexcept {
-    front_kind_ = front_ < tokens_.size() ? tokens_[front_].kind : kNone;
+  void Append(const Token& token) {
+    tokens_.push_back(token);
+    front_kind_ = tokens_[front_].kind;
   }
   void Next() {
     if (++front_ < tokens_.size()) {
@@ -102,9 +108,7 @@ class TokenList {
     }
   }
   void Clear() noexcept {
-    for (; front_ < tokens_.size(); ++front_) {
-      NodePtr dropped(std::exchange(tokens_[front_].node, nullptr));
-    }
+    for (; front_ < tokens_.size(); ++front_) tokens_[front_].TakeValue();
     tokens_.clear();
     front_ = 0;
     front_kind_ = kNone;
