@@ -32,7 +32,8 @@ class TokenList {
   // end: the length of the text, the place of an unexpected end.
   explicit TokenList(std::int32_t end) : end_(end) {}
   // Reads the first tokens.
-  TokenList(std::int32_t end, TokenSource& source) : end_(end), source_(&source) {
+  TokenList(std::int32_t end, TokenSource& source) : TokenList(end) {
+    source_ = &source;
     tokens_.reserve(kBatch);
     Refill();
   }

@@ -107,6 +107,23 @@ TEST(TokenList, A_long_sum_needs_a_node_a_token_and_no_list_beside_it) {
   EXPECT_EQ(Compile(text).code, 0);
 }
 
+TEST(TokenList, Memory_that_runs_out_at_any_token_loses_nothing) {
+  const std::string part = "\"a text of more bytes than one\" + 12 + name + {7, \"another text\"}";
+  const String text(part + " + " + part + " + " + part);
+  Compile(text);  // blocks of values and nodes are there from now on
+  const std::size_t before = ixomep::MemoryBudget::InUse();
+  int failures = 0;
+  for (std::size_t bytes = 0; bytes < 300; bytes += 3) {
+    const ScopedMemoryLimit limit(bytes);
+    const Compiled compiled = Compile(text);
+    EXPECT_EQ(compiled.code == 0, compiled.tree.get() != nullptr) << bytes;
+    if (compiled.code != 0) ++failures;
+  }
+  EXPECT_GT(failures, 10);
+  Compile("1");
+  EXPECT_EQ(ixomep::MemoryBudget::InUse(), before);
+}
+
 // What the general reader says of the literal at the start of a text.
 struct Literal {
   int code;
