@@ -10,13 +10,20 @@ namespace ixomep {
 
 class CharClass {
  public:
-  static bool IsWhite(char byte) noexcept { return Has(byte, kWhite); }
-  static bool IsDigit(char byte) noexcept { return Has(byte, kDigit); }
-  static bool IsUpper(char byte) noexcept { return Has(byte, kUpper); }
+  static constexpr bool IsWhite(char byte) noexcept { return Has(byte, kWhite); }
+  static constexpr bool IsDigit(char byte) noexcept { return Has(byte, kDigit); }
+  static constexpr bool IsUpper(char byte) noexcept { return Has(byte, kUpper); }
   // Starts a name, unless the byte is white: 160 is both, and separates where a name would start.
-  static bool IsNameStart(char byte) noexcept { return Has(byte, kNameStart); }
+  static constexpr bool IsNameStart(char byte) noexcept { return Has(byte, kNameStart); }
   // Continues a name; 160 included.
-  static bool IsNameByte(char byte) noexcept { return Has(byte, kNameByte); }
+  static constexpr bool IsNameByte(char byte) noexcept { return Has(byte, kNameByte); }
+
+  // The classes of every byte.
+  static constexpr std::array<std::uint8_t, 256> MakeTable() {
+    std::array<std::uint8_t, 256> table{};
+    for (std::size_t byte = 0; byte < table.size(); ++byte) table[byte] = ClassesOf(byte);
+    return table;
+  }
 
  private:
   static constexpr std::uint8_t kWhite = 1;
@@ -38,15 +45,13 @@ class CharClass {
     if (lower || upper || digit || high || byte == '_') classes |= kNameByte;
     return classes;
   }
-  static constexpr std::array<std::uint8_t, 256> MakeTable() {
-    std::array<std::uint8_t, 256> table{};
-    for (std::size_t byte = 0; byte < table.size(); ++byte) table[byte] = ClassesOf(byte);
-    return table;
-  }
-  static bool Has(char byte, std::uint8_t bit) noexcept {
-    static constexpr std::array<std::uint8_t, 256> kTable = MakeTable();
-    return (kTable[static_cast<unsigned char>(byte)] & bit) != 0;
-  }
+  static constexpr bool Has(char byte, std::uint8_t bit) noexcept;
 };
+
+inline constexpr std::array<std::uint8_t, 256> kByteClasses = CharClass::MakeTable();
+
+constexpr bool CharClass::Has(char byte, std::uint8_t bit) noexcept {
+  return (kByteClasses[static_cast<unsigned char>(byte)] & bit) != 0;
+}
 
 }  // namespace ixomep

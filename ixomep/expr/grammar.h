@@ -22,6 +22,8 @@ struct ExprGrammar {
   // UnaryExpr joined by operators of `lowest` and higher levels.
   static NodePtr Binary(TokenList& tokens, Level lowest, std::int32_t& error, String& text);
 
+  static NodePtr RightOperand(TokenList& tokens, Level level, std::int32_t& error, String& text);
+
   // Sets error and text and gives the null node.
   static NodePtr Fail(IxoMepErrorEnum code, std::int32_t& error, String& text,
                       std::initializer_list<Fill> fills = {});

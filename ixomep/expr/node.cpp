@@ -38,8 +38,35 @@ IxoMepExprNode* TakeDoomed() noexcept {
   return node;
 }
 
+// Can the node be destroyed on the spot, because nothing that nests hangs on it?
+bool IsLeaf(const IxoMepExprNode& node) noexcept {
+  if (NodeAccess::Right(node) != nullptr) return false;
+  if (node.GetType() != Kind::Constant) return NodeAccess::Left(node) == nullptr;
+  const IxoMepValue* const value = NodeAccess::Value(node);
+  if (value == nullptr) return true;
+  switch (value->GetType()) {
+    case IxoMepValueType::Expression:
+    case IxoMepValueType::Array:
+    case IxoMepValueType::Map:
+    case IxoMepValueType::Lambda:
+    case IxoMepValueType::Object:
+      return false;
+    default:
+      return true;
+  }
+}
+
+void Bury(IxoMepExprNode& node) noexcept;
+
+// A leaf goes at once: in a long list the queue would be as long as the list, and every node of it
+// be visited twice.
 void DropChild(IxoMepExprNode* child) noexcept {
-  if (child != nullptr && !NodeAccess::DropFurtherOwner(*child)) Doom(*child);
+  if (child == nullptr || NodeAccess::DropFurtherOwner(*child)) return;
+  if (IsLeaf(*child)) {
+    Bury(*child);
+  } else {
+    Doom(*child);
+  }
 }
 
 void Bury(IxoMepExprNode& node) noexcept {
@@ -52,24 +79,6 @@ void Bury(IxoMepExprNode& node) noexcept {
   DropChild(NodeAccess::Left(node));
   DropChild(NodeAccess::Right(node));
   NodeAccess::Free(node);
-}
-
-// Can the node be destroyed on the spot, because nothing that nests hangs on it?
-bool IsLeaf(const IxoMepExprNode& node) noexcept {
-  if (node.Right() != nullptr) return false;
-  if (node.GetType() != Kind::Constant) return node.Left() == nullptr;
-  const IxoMepValue* const value = node.GetValue();
-  if (value == nullptr) return true;
-  switch (value->GetType()) {
-    case IxoMepValueType::Expression:
-    case IxoMepValueType::Array:
-    case IxoMepValueType::Map:
-    case IxoMepValueType::Lambda:
-    case IxoMepValueType::Object:
-      return false;
-    default:
-      return true;
-  }
 }
 
 }  // namespace
@@ -85,6 +94,10 @@ IxoMepExprNode::IxoMepExprNode(Kind kind, const char* name)
   if (kind == Kind::Constant) value_ = nullptr;
   static const bool functions_known = (InitFunctionCallMap(), true);
   static_cast<void>(functions_known);
+}
+
+IxoMepExprNode* NodeAccess::New(Kind kind, const char* name) {
+  return new IxoMepExprNode(kind, name);
 }
 
 void* IxoMepExprNode::operator new(std::size_t) { return NodePool::Take(); }

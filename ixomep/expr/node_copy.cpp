@@ -61,7 +61,12 @@ class Copier {
 
   void Later(const IxoMepExprNode* source, IxoMepExprNode& target, Side side,
              Role role = Role::Plain) {
-    if (source != nullptr) tasks_.push_back({source, &target, side, role});
+    if (source == nullptr) return;
+    if (source->Left() == nullptr && source->Right() == nullptr) {
+      Hang(target, side, CopyNode(*source, role));  // a leaf: done at once, the list stays short
+    } else {
+      tasks_.push_back({source, &target, side, role});
+    }
   }
 
   // The node itself; its children are left to later tasks.

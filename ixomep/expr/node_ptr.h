@@ -9,49 +9,18 @@
 
 namespace ixomep {
 
-// Owns one reference to a node.
-class NodePtr {
- public:
-  NodePtr() noexcept = default;
-  // Takes over the caller's reference.
-  explicit NodePtr(IxoMepExprNode* node) noexcept : node_(node) {}
-  NodePtr(NodePtr&& other) noexcept : node_(std::exchange(other.node_, nullptr)) {}
-  NodePtr& operator=(NodePtr&& other) noexcept {
-    if (this != &other) {
-      Reset();
-      node_ = std::exchange(other.node_, nullptr);
-    }
-    return *this;
-  }
-  NodePtr(const NodePtr&) = delete;
-  NodePtr& operator=(const NodePtr&) = delete;
-  ~NodePtr() { Reset(); }
-
-  // A further owner of a node that lives already.
-  static NodePtr Share(const IxoMepExprNode* node);
-  static NodePtr Make(IxoMepExprNodeType kind, const char* name = nullptr) {
-    return NodePtr(new IxoMepExprNode(kind, name));
-  }
-
-  IxoMepExprNode* get() const noexcept { return node_; }
-  IxoMepExprNode* operator->() const noexcept { return node_; }
-  IxoMepExprNode& operator*() const noexcept { return *node_; }
-  explicit operator bool() const noexcept { return node_ != nullptr; }
-  IxoMepExprNode* Release() noexcept { return std::exchange(node_, nullptr); }
-  void Reset() noexcept;
-
- private:
-  IxoMepExprNode* node_ = nullptr;
-};
+class NodePtr;
 
 // Fields of a node. Setters are for nodes under construction only: a finished tree is never
 // changed.
 struct NodeAccess {
+  // A new node; the caller owns it.
+  static IxoMepExprNode* New(IxoMepExprNodeType kind, const char* name);
   static IxoMepExprNode* Left(const IxoMepExprNode& n) noexcept { return n.left_; }
   static IxoMepExprNode* Right(const IxoMepExprNode& n) noexcept { return n.right_; }
   static IxoMepValue* Value(const IxoMepExprNode& n) noexcept { return n.value_; }
-  static void SetLeft(IxoMepExprNode& n, NodePtr left) noexcept { n.left_ = left.Release(); }
-  static void SetRight(IxoMepExprNode& n, NodePtr right) noexcept { n.right_ = right.Release(); }
+  static void SetLeft(IxoMepExprNode& n, NodePtr left) noexcept;
+  static void SetRight(IxoMepExprNode& n, NodePtr right) noexcept;
   static void SetValue(IxoMepExprNode& n, ValuePtr value) noexcept { n.value_ = value.release(); }
   static void SetKind(IxoMepExprNode& n, IxoMepExprNodeType kind) noexcept { n.kind_ = kind; }
   static void SetName(IxoMepExprNode& n, const char* name) noexcept { n.name_ = name; }
@@ -79,6 +48,48 @@ struct NodeAccess {
   // Returns the block to the pool; value and children are the caller's.
   static void Free(IxoMepExprNode& n) noexcept { delete &n; }
 };
+
+// Owns one reference to a node.
+class NodePtr {
+ public:
+  NodePtr() noexcept = default;
+  // Takes over the caller's reference.
+  explicit NodePtr(IxoMepExprNode* node) noexcept : node_(node) {}
+  NodePtr(NodePtr&& other) noexcept : node_(std::exchange(other.node_, nullptr)) {}
+  NodePtr& operator=(NodePtr&& other) noexcept {
+    if (this != &other) {
+      Reset();
+      node_ = std::exchange(other.node_, nullptr);
+    }
+    return *this;
+  }
+  NodePtr(const NodePtr&) = delete;
+  NodePtr& operator=(const NodePtr&) = delete;
+  ~NodePtr() { Reset(); }
+
+  // A further owner of a node that lives already.
+  static NodePtr Share(const IxoMepExprNode* node);
+  static NodePtr Make(IxoMepExprNodeType kind, const char* name = nullptr) {
+    return NodePtr(NodeAccess::New(kind, name));
+  }
+
+  IxoMepExprNode* get() const noexcept { return node_; }
+  IxoMepExprNode* operator->() const noexcept { return node_; }
+  IxoMepExprNode& operator*() const noexcept { return *node_; }
+  explicit operator bool() const noexcept { return node_ != nullptr; }
+  IxoMepExprNode* Release() noexcept { return std::exchange(node_, nullptr); }
+  void Reset() noexcept;
+
+ private:
+  IxoMepExprNode* node_ = nullptr;
+};
+
+inline void NodeAccess::SetLeft(IxoMepExprNode& n, NodePtr left) noexcept {
+  n.left_ = left.Release();
+}
+inline void NodeAccess::SetRight(IxoMepExprNode& n, NodePtr right) noexcept {
+  n.right_ = right.Release();
+}
 
 inline NodePtr NodePtr::Share(const IxoMepExprNode* node) {
   auto* const shared = const_cast<IxoMepExprNode*>(node);

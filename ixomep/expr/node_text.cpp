@@ -1,5 +1,8 @@
 // Trees read-only: back to text, and the test for a single variable. Both walk with a list of
 // their own instead of recursion; the text is appended to one buffer.
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <exception>
 #include <string_view>
 #include <vector>
@@ -55,6 +58,7 @@ class Printer {
         PrintPiece(*open.node, piece);
       }
     }
+    Flush();
   }
 
  private:
@@ -62,6 +66,21 @@ class Printer {
     const IxoMepExprNode* node;
     std::string_view rest;
   };
+
+  // Most pieces are a byte or two: they are collected.
+  void Put(std::string_view piece) {
+    if (piece.size() > buffer_.size() - used_) Flush();
+    if (piece.size() > buffer_.size()) {
+      out_ += piece;
+      return;
+    }
+    std::copy(piece.begin(), piece.end(), buffer_.begin() + static_cast<std::ptrdiff_t>(used_));
+    used_ += piece.size();
+  }
+  void Flush() {
+    out_ += std::string_view(buffer_.data(), used_);
+    used_ = 0;
+  }
 
   void Enter(const IxoMepExprNode* node) {
     if (node != nullptr) open_.push_back({node, ShapeOf(*node)});
@@ -82,25 +101,24 @@ class Printer {
       case 'v':
         return PrintValue(node.GetValue());
       case 'o':
-        out_ += ixomep::OperatorText(node.GetType());
-        return;
+        return Put(ixomep::OperatorText(node.GetType()));
       case 'p':
         return PrintLambdaHead(node);
       default:
-        out_ += piece;
+        Put(piece);
     }
   }
 
   void PrintName(const IxoMepExprNode* node) {
     const char* const name = node != nullptr ? node->GetNameAddress() : nullptr;
-    if (name != nullptr) out_ += std::string_view(name);
+    if (name != nullptr) Put(name);
   }
 
   void PrintLambdaHead(const IxoMepExprNode& lambda) {
-    out_ += std::string_view("lambda(");
+    Put("lambda(");
     for (const IxoMepExprNode* name = lambda.Left(); name != nullptr; name = name->Left()) {
       PrintName(name);
-      out_ += ',';
+      Put(",");
     }
   }
 
@@ -119,15 +137,17 @@ class Printer {
   void PrintValue(const IxoMepValue* value) {
     if (value == nullptr) return;
     if (ixomep::StackGuard::HasRoom()) {
-      out_ += value->GetText();
+      Put(value->GetText());
     } else {
-      out_ += std::string_view("...");
+      Put("...");
     }
   }
 
   const IxoMepValueSet* scope_;
   String& out_;
   std::vector<Open> open_;
+  std::size_t used_ = 0;
+  std::array<char, 512> buffer_;
 };
 
 // Does the node itself keep "every variable is called so" true? Children to look at are added.

@@ -4,6 +4,7 @@
 
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/grammar.h"
+#include "ixomep/expr/stack_guard.h"
 
 using ixomep::ExprGrammar;
 using ixomep::NodeAccess;
@@ -81,8 +82,9 @@ NodePtr IxoMepExpressionParser::ParamList(Tokens& tokens, std::int32_t& error, S
                                           std::uint32_t& count, bool& is_map) {
   const Kind opener = tokens.FrontKind();
   const Kind closer = CloserOf(opener);
-  tokens.DropFront();
   is_map = false;
+  if (!ixomep::StackGuard::HasRoom()) return ExprGrammar::Fail(IMEPERR_TOO_DEEP, error, text);
+  tokens.DropFront();
   Cells cells;
 
   if (!tokens.FrontIs(closer)) {

@@ -18,16 +18,23 @@ NodePtr Build(TokenList& tokens, IxoMepErrorEnum& code, String& error_text) {
   return tree;
 }
 
+// The scanner is asked for tokens as the grammar goes, but its failures come first: what cannot be
+// read is reported whatever the grammar makes of the tokens before it.
 NodePtr ScanAndBuild(const String& text, IxoMepErrorEnum& code, String& error_text) {
-  TokenList tokens(text.Len());
-  std::int32_t offset = -1;
-  code = Scan(text, tokens, error_text, offset);
-  if (code != IMEPERR_NONE) {
-    ErrorPlace::Set(offset);
+  Scanner scanner(text);
+  TokenList tokens(text.Len(), scanner);
+  String grammar_text = error_text;
+  NodePtr tree = Build(tokens, code, grammar_text);
+  const std::int32_t offset = tokens.FrontOffset();
+  if (code != IMEPERR_NONE) tokens.DropAll();
+  if (scanner.Code() != IMEPERR_NONE) {
+    code = scanner.Code();
+    error_text = scanner.ErrorText();
+    ErrorPlace::Set(scanner.Offset());
     return {};
   }
-  NodePtr tree = Build(tokens, code, error_text);
-  ErrorPlace::Set(code != IMEPERR_NONE ? tokens.FrontOffset() : -1);
+  error_text = grammar_text;
+  ErrorPlace::Set(code != IMEPERR_NONE ? offset : -1);
   return tree;
 }
 

@@ -5,22 +5,12 @@
 #include <cstdint>
 
 #include "ixomep/host/host.h"
+#include "ixomep/host/sanitizer.h"
 
 namespace ixomep {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::uintptr_t kFrameFactor = 8;  // instrumented frames are that much larger
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) || \
-    __has_feature(thread_sanitizer)
-constexpr std::uintptr_t kFrameFactor = 8;
-#else
-constexpr std::uintptr_t kFrameFactor = 1;
-#endif
-#else
-constexpr std::uintptr_t kFrameFactor = 1;
-#endif
+constexpr std::uintptr_t kFrameFactor = kWatchedMemory ? 8 : 1;
 
 // Kept free for the work of one level and for the host functions that it calls.
 constexpr std::uintptr_t kReserveBytes = 128 * 1024 * kFrameFactor;

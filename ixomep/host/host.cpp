@@ -173,3 +173,8 @@ const void* IxoHost::StackLimit() {
   IxoHost* host = Fallback(this);
   return host == nullptr ? nullptr : host->StackLimit();
 }
+
+void IxoHost::PrepareMemory(void* memory, std::size_t bytes) noexcept {
+  IxoHost* host = Fallback(this);
+  if (host != nullptr) host->PrepareMemory(memory, bytes);
+}

@@ -94,6 +94,9 @@ class IXOMEP_API IxoHost {
   // The lowest usable address of the calling thread's native stack; null when unknown. Default:
   // what the thread library tells.
   virtual const void* StackLimit();
+  // A stretch of new memory, of a size and at an address that are a multiple of 2 MB, will be used
+  // from end to end: the machine may back it by large pages. Default: asks it to.
+  virtual void PrepareMemory(void* memory, std::size_t bytes) noexcept;
 };
 
 namespace ixomep {

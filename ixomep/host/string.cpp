@@ -11,6 +11,7 @@
 #include "ixomep/host/host.h"
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/host/res_id.h"
+#include "ixomep/host/sanitizer.h"
 #include "ixomep/host/text_search.h"
 
 // The 256 texts of one byte. Like the empty text they are constant-initialised, never written and
@@ -50,8 +51,7 @@ void CopyBytes(char* to, std::string_view from) noexcept {
 }
 
 // Short texts come and go with every evaluation. Their blocks are kept for the next ones, a few of
-// each size, which costs a fifth of going to the heap. Not under AddressSanitizer, which would not
-// see a text used after its end.
+// each size, which costs a fifth of going to the heap.
 class ShortBlocks {
  public:
   // Null when the memory cannot be had.
@@ -74,11 +74,7 @@ class ShortBlocks {
     Link* next;
   };
   static constexpr std::size_t kStep = 32;
-#if defined(__SANITIZE_ADDRESS__)
-  static constexpr std::size_t kSizes = 0;
-#else
-  static constexpr std::size_t kSizes = 3;
-#endif
+  static constexpr std::size_t kSizes = ixomep::kWatchedMemory ? 0 : 3;
   static constexpr std::int32_t kMost = 1024;
 
   static std::size_t SizeClass(std::size_t bytes) noexcept { return (bytes - 1) / kStep; }

@@ -84,6 +84,7 @@ TEST(Host, What_a_host_does_not_override_the_default_host_answers) {
   host.TriggerEvent(1, "", "");
   EXPECT_EQ(host.DefaultMemoryLimit(), standard.DefaultMemoryLimit());
   EXPECT_EQ(host.StackLimit(), standard.StackLimit());
+  host.PrepareMemory(nullptr, 0);
   EXPECT_LE(host.TickCount(), standard.TickCount());
   EXPECT_GE(host.RandomFifteenBits(), 0);
   const unsigned char key[8] = {1, 2, 3, 4, 5, 6, 7, 8};

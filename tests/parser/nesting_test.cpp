@@ -78,10 +78,16 @@ TEST_P(Growth, Four_times_the_text_costs_about_four_times_the_time) {
       EXPECT_EQ(definition.code, IMEPERR_NONE) << definition.parser.GetErrorText().c_str();
     });
   };
-  const double once = cost(GetParam().count);
-  const double four_times = cost(4 * GetParam().count);
-  // A quadratic cost would be 16 times.
-  EXPECT_LT(four_times, 10 * once + 5) << once << " ms, " << four_times << " ms";
+  double once = 0;
+  double four_times = 0;
+  const auto grows_slowly = [&] {
+    once = cost(GetParam().count);
+    four_times = cost(4 * GetParam().count);
+    return four_times < 10 * once + 5;  // a quadratic cost would be 16 times
+  };
+  // A machine that is busy otherwise may spoil one measurement, not three.
+  EXPECT_TRUE(grows_slowly() || grows_slowly() || grows_slowly())
+      << once << " ms, " << four_times << " ms";
 }
 
 INSTANTIATE_TEST_SUITE_P(

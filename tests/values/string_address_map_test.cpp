@@ -49,6 +49,47 @@ TEST(StringAddressMap, The_same_text_gives_the_same_address_again) {
   }
 }
 
+TEST(StringAddressMap, Half_a_million_names_keep_their_addresses_while_the_table_grows) {
+  Names map;
+  std::vector<const char*> addresses;
+  const auto name_of = [](int i) {  // short and long ones
+    return (i % 3 == 0 ? "a_name_longer_than_a_word_" : "n") + std::to_string(i);
+  };
+  for (int i = 0; i < 500000; ++i) addresses.push_back(map.Intern(name_of(i)));
+  for (int i = 0; i < 500000; ++i) {
+    const char* const address = addresses[static_cast<std::size_t>(i)];
+    ASSERT_STREQ(address, name_of(i).c_str());
+    ASSERT_EQ(map.Intern(name_of(i)), address);
+  }
+}
+
+TEST(StringAddressMap, Names_of_every_length_differ_in_every_byte) {
+  Names map;
+  for (std::size_t length = 1; length < 40; ++length) {
+    const std::string base(length, 'a');
+    const char* const address = map.Intern(base);
+    EXPECT_EQ(std::string(address), base);
+    for (std::size_t i = 0; i < length; ++i) {
+      std::string other = base;
+      other[i] = 'b';
+      const char* const changed = map.Intern(other);
+      EXPECT_NE(changed, address) << length << " " << i;
+      EXPECT_EQ(std::string(changed), other);
+      EXPECT_EQ(map.Intern(other), changed);
+    }
+    EXPECT_EQ(map.Intern(base), address);
+  }
+}
+
+TEST(StringAddressMap, Very_long_names_have_memory_of_their_own) {
+  Names map;
+  const std::string long_name(1000000, 'n');
+  const char* const address = map.Intern(long_name);
+  EXPECT_EQ(map.Intern("short"), map.Intern("short"));
+  EXPECT_EQ(map.Intern(long_name), address);
+  EXPECT_EQ(std::string(address), long_name);
+}
+
 TEST(StringAddressMap, Letter_case_counts) {
   EXPECT_NE(Names::GetAddress("Length"), Names::IMEPSAM_LENGTH);
   EXPECT_NE(Names::GetAddress("Name"), Names::GetAddress("name"));

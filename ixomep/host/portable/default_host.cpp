@@ -115,6 +115,10 @@ std::size_t DefaultHost::DefaultMemoryLimit() { return HalfOfMemory(); }
 
 const void* DefaultHost::StackLimit() { return LowestStackAddress(); }
 
+void DefaultHost::PrepareMemory(void* memory, std::size_t bytes) noexcept {
+  AskForLargePages(memory, bytes);
+}
+
 }  // namespace portable
 
 IxoHost* DefaultHost() noexcept {

@@ -37,6 +37,7 @@ std::uint32_t Milliseconds() noexcept;
 std::int32_t TopFifteenBitsOfRand() noexcept;
 std::size_t HalfOfMemory() noexcept;
 const void* LowestStackAddress() noexcept;
+void AskForLargePages(void* memory, std::size_t bytes) noexcept;
 
 // Overrides every member of IxoHost, as there is nobody else to ask.
 class DefaultHost final : public IxoHost {
@@ -74,6 +75,7 @@ class DefaultHost final : public IxoHost {
                       std::size_t blocks) override;
   std::size_t DefaultMemoryLimit() override;
   const void* StackLimit() override;
+  void PrepareMemory(void* memory, std::size_t bytes) noexcept override;
 };
 
 }  // namespace ixomep::portable

@@ -1,5 +1,6 @@
 // What the default host asks the machine: clock, generator, memory, stack.
 #include <pthread.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -55,6 +56,16 @@ const void* LowestStackAddress() noexcept {
   // The question reads a file for the first thread, so each thread asks once.
   thread_local const void* const lowest = AskLowestStackAddress();
   return lowest;
+}
+
+// A wish only: a machine that has no large pages goes on with small ones.
+void AskForLargePages(void* memory, std::size_t bytes) noexcept {
+#if defined(MADV_HUGEPAGE)
+  ::madvise(memory, bytes, MADV_HUGEPAGE);
+#else
+  static_cast<void>(memory);
+  static_cast<void>(bytes);
+#endif
 }
 
 }  // namespace ixomep::portable
