@@ -39,7 +39,7 @@ lint: tools-lint ## run clang-tidy and cppcheck over all sources
 	@mkdir -p build; $(call CONFIGURE,dev)
 	@scripts/lint.sh build/dev $(JOBS)
 
-bench: build-bench ## build the benchmarks in release and run each
+bench: build-bench ## build the benchmarks in release, run them beside peers and print one table
 	@scripts/run_benchmarks.sh build/bench
 
 docs: build-dev ## run the examples of the documents and check the map of the sources
