@@ -10,14 +10,15 @@
 
 namespace ixomep::bench {
 
-// Time to the size's power of this is linear, or n log n: the memory that a large input needs is
-// slower than that of a small one.
+// Time to the size's power of this is linear, or n log n.
 inline constexpr double kLinear = 1.2;
-// For what walks through many objects in memory, most of which the processor's cache does not
-// hold once there are enough of them.
-inline constexpr double kLinearInMemory = 1.35;
+// For what walks through many objects in memory: once the nearest cache does not hold them, a step
+// takes up to ten times as long, which looks like a steeper line over the sizes that are measured.
+inline constexpr double kLinearInMemory = 1.55;
 // One step for each pair of things, by the meaning of the operation.
 inline constexpr double kQuadratic = 2.2;
+// The same through memory.
+inline constexpr double kQuadraticInMemory = 2.5;
 
 // The sizes go from `first` by factors of four to `last`.
 struct Growth {
