@@ -77,14 +77,14 @@ void RegisterExpressions() {
                                                    {"string", StringLiteral}};
   for (const auto& [operation, text] : wide) {
     RegisterCompiling(operation, text);
-    RegisterEvaluating({"evaluating", operation, 256, 65536, kLinearInMemory}, text);
+    RegisterEvaluating({"evaluating", operation, 256, 16384, kLinearInMemory}, text);
   }
   // A tree that is deeper than the language lets calls be is not evaluated.
   const std::pair<const char*, MakeText> deep[] = {
       {"sum", Sum},      {"sequence", Sequence},    {"variables", Variables},      {"signs", Signs},
       {"calls", Nested}, {"deep array", DeepArray}, {"parentheses", Parenthesised}};
   for (const auto& [operation, text] : deep) {
-    RegisterEvaluating({"evaluating", operation, 7, 7 * 16}, text);
+    RegisterEvaluating({"evaluating", operation, 7, 7 * 16, kLinearInMemory}, text);
   }
   const std::pair<const char*, MakeText> chains[] = {
       {"sum", Sum}, {"sequence", Sequence}, {"variables", Variables}, {"signs", Signs}};
@@ -163,6 +163,17 @@ void RegisterValues() {
     RegisterValue(operation, [make](std::int64_t n) { return Literal(make(n)); });
   }
   RegisterValue("arrays in each other", NestedArrays);
+  Register({"names", "variables of a scope", 16, 4096}, [](std::int64_t n) -> Work {
+    auto names = std::make_shared<std::vector<const char*>>();
+    for (std::int64_t i = 0; i < n; ++i) {
+      names->push_back(IxoMepStringAddressMap::GetAddress(String("variable " + std::to_string(i))));
+    }
+    return [names] {
+      IxoMepValueSet scope;
+      for (const char* name : *names) scope.NewSetValue(name, IxoMepValue(1), true);
+      for (const char* name : *names) benchmark::DoNotOptimize(scope.NewGetValue(name));
+    };
+  });
   Register({"names", "interned", 1024, 262144, kLinearInMemory}, [](std::int64_t n) -> Work {
     auto names = std::make_shared<std::vector<String>>();
     for (std::int64_t i = 0; i < n; ++i) names->push_back(String("name " + std::to_string(i)));
@@ -277,7 +288,7 @@ void RegisterQueries() {
     });
   }
   // The indents of the result grow with the depth.
-  RegisterQuery({"xml written", "bodies in each other", 64, 4096, kQuadratic}, Bodies,
+  RegisterQuery({"xml written", "bodies in each other", 64, 4096, kQuadraticInMemory}, Bodies,
                 [](IxoMepConverter& parser) { benchmark::DoNotOptimize(parser.ToXML(true, "r")); });
 }
 
