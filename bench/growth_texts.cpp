@@ -163,17 +163,19 @@ void RegisterValues() {
     RegisterValue(operation, [make](std::int64_t n) { return Literal(make(n)); });
   }
   RegisterValue("arrays in each other", NestedArrays);
-  Register({"names", "variables of a scope", 16, 4096}, [](std::int64_t n) -> Work {
-    auto names = std::make_shared<std::vector<const char*>>();
-    for (std::int64_t i = 0; i < n; ++i) {
-      names->push_back(IxoMepStringAddressMap::GetAddress(String("variable " + std::to_string(i))));
-    }
-    return [names] {
-      IxoMepValueSet scope;
-      for (const char* name : *names) scope.NewSetValue(name, IxoMepValue(1), true);
-      for (const char* name : *names) benchmark::DoNotOptimize(scope.NewGetValue(name));
-    };
-  });
+  Register({"names", "variables of a scope", 16, 4096, kLinearInMemory},
+           [](std::int64_t n) -> Work {
+             auto names = std::make_shared<std::vector<const char*>>();
+             for (std::int64_t i = 0; i < n; ++i) {
+               names->push_back(
+                   IxoMepStringAddressMap::GetAddress(String("variable " + std::to_string(i))));
+             }
+             return [names] {
+               IxoMepValueSet scope;
+               for (const char* name : *names) scope.NewSetValue(name, IxoMepValue(1), true);
+               for (const char* name : *names) benchmark::DoNotOptimize(scope.NewGetValue(name));
+             };
+           });
   Register({"names", "interned", 1024, 262144, kLinearInMemory}, [](std::int64_t n) -> Work {
     auto names = std::make_shared<std::vector<String>>();
     for (std::int64_t i = 0; i < n; ++i) names->push_back(String("name " + std::to_string(i)));

@@ -50,8 +50,9 @@ def unit(cell):
 
 
 def table(cells):
-    engines = sorted({engine for row in cells.values() for engine in row},
-                     key=lambda engine: (engine != FIRST, engine))
+    # In the order of their first appearance, this library's in front.
+    seen = dict.fromkeys(engine for row in cells.values() for engine in row)
+    engines = sorted(seen, key=lambda engine: engine != FIRST)
     lines = [["", *engines]]
     for what, row in cells.items():
         first = row.get(FIRST, {})
