@@ -276,7 +276,7 @@ void RegisterQueries() {
   RegisterQuery(
       {"queries", "an absent name", 256, 65536, kLinearInMemory}, Attributes,
       [](IxoMepConverter& parser) { benchmark::DoNotOptimize(parser.IsContained("absent")); });
-  RegisterQuery({"queries", "bodies walked down", 256, 65536, kLinearInMemory}, Bodies,
+  RegisterQuery({"queries", "bodies walked down", 4096, 1048576, kLinearInMemory}, Bodies,
                 [](IxoMepConverter& parser) {
                   const IxoMepParser* level = &parser;
                   while (level != nullptr) level = level->GetBodyParser(0);
