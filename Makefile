@@ -12,7 +12,7 @@ CONFIGURE = cmake --preset $(1) $(LAUNCHER) >build/$(1).log 2>&1 || { cat build/
 BUILD = mkdir -p build; $(call CONFIGURE,$(1)); cmake --build --preset $(1) -j $(JOBS)
 MAIN_JOB = build/$(1)/mep show $(EXAMPLE) -v scale=1.5 -v 'state="busy"' -v load=0.97 -v fill=0.4
 
-.PHONY: all test quick asan format format-check lint bench docs map install-check package clean help
+.PHONY: all test quick asan format format-check lint bench growth docs map install-check package clean help
 .PHONY: tools-build tools-lint tools-bench build-release build-dev build-asan build-bench
 
 all: build-release ## install what is missing, build the release, show the shipped example (default)
@@ -39,8 +39,11 @@ lint: tools-lint ## run clang-tidy and cppcheck over all sources
 	@mkdir -p build; $(call CONFIGURE,dev)
 	@scripts/lint.sh build/dev $(JOBS)
 
-bench: build-bench ## build the benchmarks in release and run each
+bench: build-bench ## build the benchmarks in release, run them beside peers and print one table
 	@scripts/run_benchmarks.sh build/bench
+
+growth: build-bench ## measure how times grow with sizes: a plot, a table, failure beyond the bounds
+	@scripts/run_growth.sh build/bench
 
 docs: build-dev ## run the examples of the documents and check the map of the sources
 	@ctest --preset dev -R 'house|docs'

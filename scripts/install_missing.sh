@@ -12,7 +12,8 @@ build_needs="g++:g++ cmake:cmake ninja-build:ninja ccache:ccache pkg-config:pkg-
 lint_needs="clang-format:clang-format clang-tidy:clang-tidy cppcheck:cppcheck git:git"
 bench_needs="libbenchmark-dev:<benchmark/benchmark.h> liblua5.4-dev:<lua5.4/lua.h>
   libluajit-5.1-dev:<luajit-2.1/lua.h> duktape-dev:<duktape.h>
-  libmuparserx-dev:<muparserx/mpParser.h>"
+  libmuparserx-dev:<muparserx/mpParser.h> librapidxml-dev:<rapidxml/rapidxml.hpp>
+  rapidjson-dev:<rapidjson/document.h> libsimdjson-dev:<simdjson.h>"
 
 case "${1:-}" in
   build) needs=$build_needs ;;

@@ -1,10 +1,10 @@
 // Loads the peers' modules, checks that all engines agree and registers what is to be measured.
 #include "bench/support/engines.h"
 
-#include <dlfcn.h>
-
 #include <iostream>
 #include <utility>
+
+#include "bench/support/modules.h"
 
 namespace ixomep::bench {
 
@@ -24,14 +24,8 @@ constexpr Peer kPeers[] = {
 };
 
 std::unique_ptr<Engine> Load(const Peer& peer) {
-  const std::string path = std::string(IXOMEP_PEERS) + "/" + peer.file;
-  void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (module == nullptr) {
-    std::cerr << peer.name << " is left out: " << dlerror() << "\n";
-    return nullptr;
-  }
-  const auto make = reinterpret_cast<Engine* (*)()>(dlsym(module, "MakePeerEngine"));
-  return std::unique_ptr<Engine>(make());
+  return std::unique_ptr<Engine>(
+      static_cast<Engine*>(MakeFromModule(peer.name, peer.file, "MakePeerEngine")));
 }
 
 std::vector<NamedEngine> LoadAll() {

@@ -255,8 +255,8 @@ inline CachedProgram& CachedProgramFor(const IxoMepExprNode& node) noexcept {
   return cached_programs[(reinterpret_cast<std::uintptr_t>(&node) >> 5) % kCachedPrograms];
 }
 
-// The program of that node: null on the first call, so that what is evaluated once is not
-// compiled, and for trees without one. Valid while the node lives.
+// The program of that node: null for trees without one and, unless a loop is in sight, on the first
+// call, so that what is evaluated once is not compiled. Valid while the node lives.
 const Program* FindProgram(const IxoMepExprNode& node);
 inline const Program* ProgramFor(const IxoMepExprNode& node) {
   const CachedProgram& cached = CachedProgramFor(node);

@@ -11,6 +11,7 @@
 #include "ixomep/expr/node_ptr.h"
 #include "ixomep/expr/program.h"
 #include "ixomep/expr/stack_guard.h"
+#include "ixomep/values/string_address_map.h"
 
 namespace ixomep {
 
@@ -19,6 +20,24 @@ namespace {
 constexpr std::int32_t kLongestSpine = 251;
 
 bool are_used = true;
+
+// Does a loop stand among the first nodes of the tree? Its body will be evaluated often, so that
+// the program is worth making at once.
+bool HasLoop(const IxoMepExprNode* node, std::int32_t& budget) noexcept {
+  static const char* const names[] = {Intern("for"), Intern("while")};
+  for (; node != nullptr && --budget >= 0; node = node->Right()) {
+    if (node->GetType() == IxoMepExprNodeType::Variable) {
+      return node->GetNameAddress() == names[0] || node->GetNameAddress() == names[1];
+    }
+    if (HasLoop(node->Left(), budget)) return true;
+  }
+  return false;
+}
+
+bool HasLoop(const IxoMepExprNode& node) noexcept {
+  std::int32_t budget = 64;
+  return HasLoop(&node, budget);
+}
 
 class Table {
  public:
@@ -100,11 +119,11 @@ bool UsePrograms(bool use) noexcept {
 const Program* FindProgram(const IxoMepExprNode& node) {
   if (!are_used) return nullptr;
   const NodeAccess::Mark mark = NodeAccess::GetMark(node);
-  if (mark == NodeAccess::Mark::Fresh) {
+  if (mark == NodeAccess::Mark::Fresh && !HasLoop(node)) {
     NodeAccess::SetMark(node, NodeAccess::Mark::Seen);
     return nullptr;
   }
-  if (mark == NodeAccess::Mark::Seen) {
+  if (mark != NodeAccess::Mark::HasEntry) {
     Table::Instance().Add(node, CompileProgram(node));
     NodeAccess::SetMark(node, NodeAccess::Mark::HasEntry);
   }

@@ -7,8 +7,6 @@
 #include <cmath>
 #include <limits>
 
-#include "ixomep/host/numbers.h"
-
 namespace {
 
 constexpr std::string_view kLayout = "YY:DDD:HH:MM:SS";
@@ -40,12 +38,24 @@ int Read(const Field& field, std::string_view text) noexcept {
   return number;
 }
 
-void AppendPadded(String& text, std::string_view digits, std::size_t width) {
-  while (width > digits.size()) {
-    text += '0';
-    --width;
-  }
-  text.Append(digits);
+// Zeros in front of the digits up to the field's width, then the digits.
+char* WritePadded(std::string_view digits, std::size_t width, char* out) noexcept {
+  if (digits.size() < width) out = std::fill_n(out, width - digits.size(), '0');
+  return std::copy(digits.begin(), digits.end(), out);
+}
+
+char* WriteField(int number, std::size_t width, char* out) noexcept {
+  char digits[12];
+  const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+  return WritePadded({digits, static_cast<std::size_t>(end - digits)}, width, out);
+}
+
+// A whole number of years that an int may not hold.
+char* WriteYears(double years, char* out) noexcept {
+  char digits[320];
+  const char* const end =
+      std::to_chars(digits, digits + sizeof digits, years, std::chars_format::fixed, 0).ptr;
+  return WritePadded({digits, static_cast<std::size_t>(end - digits)}, kYears.digits, out);
 }
 
 }  // namespace
@@ -68,26 +78,30 @@ IxoCoreTime::IxoCoreTime(const String& text) noexcept : seconds_(0.0) {
   }
 }
 
-String IxoCoreTime::_d2s(double seconds) {
+std::string_view ixomep::FormatTime(double seconds, char* buffer) noexcept {
   if (std::isnan(seconds)) seconds = 0.0;
   const double largest = std::numeric_limits<double>::max();
-  double rest = std::trunc(std::min(std::fabs(seconds), largest));
-  String text(seconds < 0.0 && rest > 0.0 ? "-" : "");
+  const double whole = std::trunc(std::min(std::fabs(seconds), largest));
+  char* out = buffer;
+  if (seconds < 0.0 && whole > 0.0) *out++ = '-';
 
   // Exact: the remainder is, and what is left over is a multiple of the divisor.
-  const double in_year = std::fmod(rest, kYears.seconds);
-  char years[320];
-  const char* end = std::to_chars(years, years + sizeof years, (rest - in_year) / kYears.seconds,
-                                  std::chars_format::fixed, 0)
-                        .ptr;
-  AppendPadded(text, {years, static_cast<std::size_t>(end - years)}, kYears.digits);
+  const double in_year = whole < kYears.seconds ? whole : std::fmod(whole, kYears.seconds);
+  const double years = (whole - in_year) / kYears.seconds;
+  out = years < kYears.values ? WriteField(static_cast<int>(years), kYears.digits, out)
+                              : WriteYears(years, out);
 
   int left = static_cast<int>(in_year);
   for (const Field& field : kFields) {
     if (&field == &kYears) continue;
-    text += ':';
-    AppendPadded(text, StringFromInteger(left / field.seconds), field.digits);
+    *out++ = ':';
+    out = WriteField(left / field.seconds, field.digits, out);
     left %= field.seconds;
   }
-  return text;
+  return {buffer, static_cast<std::size_t>(out - buffer)};
+}
+
+String IxoCoreTime::_d2s(double seconds) {
+  char buffer[ixomep::kFormatTimeSize];
+  return String(ixomep::FormatTime(seconds, buffer));
 }

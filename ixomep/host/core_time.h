@@ -2,6 +2,7 @@
 // days 0 to 364, hours 0 to 23, minutes and seconds 0 to 59.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "ixomep/export.h"
@@ -27,3 +28,14 @@ class IXOMEP_API IxoCoreTime {
  private:
   double seconds_;
 };
+
+namespace ixomep {
+
+// Room that every result of FormatTime fits in.
+inline constexpr std::size_t kFormatTimeSize = 352;
+
+// The text of IxoCoreTime::_d2s, written into the caller's buffer of kFormatTimeSize bytes. The
+// view is the text; there is no terminating zero.
+std::string_view FormatTime(double seconds, char* buffer) noexcept;
+
+}  // namespace ixomep

@@ -67,6 +67,35 @@ char* LayOut(const Digits& digits, char* out) noexcept {
   return out;
 }
 
+constexpr int kShortDecimals = 6;
+constexpr double kShortScale = 1e6;
+constexpr std::int64_t kShortLimit = 1'000'000'000'000;  // twelve digits
+
+// The number as digits with six decimals; false when it is not the nearest real of such a decimal
+// number of at most twelve digits. When it is, those are its correctly rounded twelve digits: the
+// two are much nearer to each other than two numbers of twelve digits.
+bool AsShortDecimal(double magnitude, std::int64_t& millionths) noexcept {
+  if (!(magnitude < static_cast<double>(kShortLimit) / kShortScale)) return false;
+  millionths = static_cast<std::int64_t>(magnitude * kShortScale + 0.5);
+  return millionths < kShortLimit && static_cast<double>(millionths) / kShortScale == magnitude;
+}
+
+// Writes a number of millionths in fixed notation and returns the end; what LayOut leaves to the
+// caller is left here too.
+char* LayOutMillionths(std::int64_t millionths, char* out) noexcept {
+  constexpr std::int64_t kScale = 1'000'000;
+  out = std::to_chars(out, out + kMaxPrecision, millionths / kScale).ptr;
+  auto fraction = static_cast<std::int32_t>(millionths % kScale);
+  if (fraction == 0) return out;
+  *out = '.';
+  int decimals = kShortDecimals;
+  for (; fraction % 10 == 0; fraction /= 10) --decimals;
+  for (char* digit = out + decimals; digit != out; --digit, fraction /= 10) {
+    *digit = static_cast<char>('0' + fraction % 10);
+  }
+  return out + decimals + 1;
+}
+
 std::string_view Words(const char* words, char* buffer) noexcept {
   const std::string_view view(words);
   std::copy(view.begin(), view.end(), buffer);
@@ -156,9 +185,16 @@ std::string_view FormatReal(double number, bool period, char* buffer, int precis
   if (std::isinf(number)) return Words(number < 0.0 ? "-inf" : "inf", buffer);
   char* out = buffer;
   if (number < 0.0) *out++ = '-';
-  const Digits digits = DigitsOf(std::fabs(number), std::clamp(precision, 1, kMaxPrecision));
-  out = LayOut(digits, out);
-  const bool is_whole = digits.exponent >= 0 && digits.count <= digits.exponent + 1;
+  std::int64_t millionths = 0;
+  bool is_whole = false;
+  if (precision == kDefaultPrecision && AsShortDecimal(std::fabs(number), millionths)) {
+    out = LayOutMillionths(millionths, out);
+    is_whole = std::trunc(number) == number;
+  } else {
+    const Digits digits = DigitsOf(std::fabs(number), std::clamp(precision, 1, kMaxPrecision));
+    out = LayOut(digits, out);
+    is_whole = digits.exponent >= 0 && digits.count <= digits.exponent + 1;
+  }
   if (period && is_whole) {
     *out++ = '.';
     *out++ = '0';

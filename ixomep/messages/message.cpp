@@ -15,11 +15,9 @@ IxoMessage& IxoMessage::operator=(const String& text) {
 IxoMessage& IxoMessage::operator=(const char* text) { return *this = String(text); }
 
 void IxoMessage::SetAnswer(const String& answer) {
-  // Into a copy first: answer may be this message's own.
-  String whole = answer_;
-  if (!whole.IsEmpty() && !whole.view().ends_with('\n')) whole += '\n';
-  whole += answer;
-  answer_ = whole;
+  // In one step, so that the answer stays as it was when there is no memory for it.
+  const bool needs_break = !answer_.IsEmpty() && !answer_.view().ends_with('\n');
+  answer_.Append(needs_break ? "\n" + answer : answer);
 }
 
 bool IxoMessage::SendTo(const char* portName) {

@@ -1,81 +1,85 @@
 // Definition texts as XML. The walk keeps its own stack, since bodies nest as deep as a text
-// likes, and writes into one growing text. See converter.h.
+// likes. What it asks of the parsed text stands in "The tree" alone; what it writes goes through
+// XmlBuffer. See converter.h.
 #include "ixomep/parser/converter.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <new>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
+#include "ixomep/host/core_time.h"
 #include "ixomep/host/encodings.h"
+#include "ixomep/host/memory_budget.h"
+#include "ixomep/host/numbers.h"
 #include "ixomep/parser/query_support.h"
+#include "ixomep/parser/xml_buffer.h"
+#include "ixomep/parser/xml_names.h"
+#include "ixomep/values/mep_text.h"
+#include "ixomep/values/units.h"
+#include "ixomep/values/value_rep.h"
 
 namespace {
 
 constexpr const char* kContext = "IxoMepConverter";
 constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-constexpr std::string_view kIndent = "    ";
-constexpr std::string_view kStatementTag = "statement";
+constexpr std::size_t kIndent = 4;
 
-struct Range {
-  std::uint32_t first;
-  std::uint32_t last;
+// --- The tree -----------------------------------------------------------------------------------
+
+// The parts of an element and of an attribute. Borrowed; null where there is none.
+struct ElementParts {
+  const String& keyword;
+  const IxoMepValue* value;
+  std::int32_t attribute_count;
+  IxoMepParser* body;
+};
+struct AttributeParts {
+  const String& name;
+  const String& modifier;
+  const IxoMepValue* value;
+  const IxoMepParser* body;
 };
 
-// What XML allows inside a name, beyond ASCII.
-constexpr Range kNameRanges[] = {
-    {0xB7, 0xB7},     {0xC0, 0xD6},     {0xD8, 0xF6},      {0xF8, 0x37D},    {0x37F, 0x1FFF},
-    {0x200C, 0x200D}, {0x203F, 0x2040}, {0x2070, 0x218F},  {0x2C00, 0x2FEF}, {0x3001, 0xD7FF},
-    {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
+constexpr std::int32_t kAhead = 8;
 
-bool IsNameCharacter(std::uint32_t code_point) noexcept {
-  if (code_point < 0x80) {
-    const auto byte = static_cast<char>(code_point);
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-           (byte >= '0' && byte <= '9') || byte == '_' || byte == '-' || byte == '.';
-  }
-  return std::any_of(std::begin(kNameRanges), std::end(kNameRanges), [code_point](Range range) {
-    return code_point >= range.first && code_point <= range.last;
-  });
+void Prefetch(const void* place) noexcept {
+#ifdef __GNUC__
+  __builtin_prefetch(place);
+#else
+  (void)place;
+#endif
 }
 
-// The bytes of the UTF-8 character at the front of the text and its code point; 0 when it is none.
-std::size_t FirstCharacter(std::string_view text, std::uint32_t& code_point) noexcept {
-  const auto lead = static_cast<unsigned char>(text[0]);
-  code_point = lead;
-  if (lead < 0x80) return 1;
-  code_point = 0;
-  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 1;
-  std::uint32_t bits = lead & (0x7FU >> length);
-  for (const char byte : text.substr(1, length - 1)) {
-    const auto next = static_cast<unsigned char>(byte);
-    if ((next & 0xC0U) != 0x80U) return 1;
-    bits = bits << 6 | (next & 0x3FU);
-  }
-  code_point = bits;
-  return length;
+ElementParts PartsOf(const IxoMepElement& element) noexcept {
+  return {element.GetKeyword(), element.GetValue(), element.GetAttrCount(),
+          element.GetBodyParser()};
 }
 
-String XmlNameOf(const String& name) {
-  const String converted = ConvertStringToUTF8(name);
-  std::string_view rest = converted.view();
-  String xml_name;
-  xml_name.Reserve(converted.Len());
-  while (!rest.empty()) {
-    std::uint32_t code_point = 0;
-    const std::size_t length = FirstCharacter(rest, code_point);
-    xml_name.Append(IsNameCharacter(code_point) ? rest.substr(0, length) : "_");
-    rest.remove_prefix(length);
-  }
-  return xml_name;
+AttributeParts PartsOf(const IxoMepElement& element, std::int32_t position) noexcept {
+  const IxoMepAttribute& attribute = *element.GetAttr(position);
+  return {attribute.GetName(), attribute.GetModifier(), attribute.GetValue(),
+          attribute.GetBodyParser()};
 }
 
-String ExportTextOf(const IxoMepValue& value) {
-  if (value.GetType() == IxoMepValueType::String) return value.GetStr();
-  return value.GetText(/*period=*/false);
+// Makes the element current; null behind the last one. The parts lie scattered in memory: what
+// will be read soon is asked for ahead.
+const IxoMepElement* MakeCurrent(IxoMepParser& parser, std::int32_t index) {
+  if (!parser.SetCurElemIndex(index)) return nullptr;
+  const IxoMepElement& element = *parser.GetCurElement();
+  if (const IxoMepElement* const next = parser.GetElement(index + 1)) {
+    Prefetch(parser.GetElement(index + 2));
+    for (std::int32_t i = 0; i < std::min(next->GetAttrCount(), kAhead); ++i) {
+      Prefetch(next->GetAttr(i));
+    }
+  }
+  for (std::int32_t i = 0; i < std::min(element.GetAttrCount(), kAhead); ++i) {
+    const IxoMepAttribute& attribute = *element.GetAttr(i);
+    Prefetch(attribute.GetValue());
+  }
+  return &element;
 }
 
 // The text between the braces.
@@ -85,38 +89,36 @@ String TextOfBody(const IxoMepParser& body) {
   return text;
 }
 
-// The names of one element's attributes.
-class NameSet {
- public:
-  // False when the name is there already.
-  bool Insert(const String& name) {
-    if (std::find(few_.begin(), few_.end(), name) != few_.end()) return false;
-    if (few_.size() >= kFew) return many_.insert(name).second;
-    few_.push_back(name);
-    return true;
-  }
-  void Clear() {
-    few_.clear();
-    if (!many_.empty()) many_ = {};
-  }
+// --- Writing ------------------------------------------------------------------------------------
 
- private:
-  static constexpr std::size_t kFew = 16;  // found faster by looking at them all
+String ExportTextOf(const IxoMepValue& value) {
+  if (value.GetType() == IxoMepValueType::String) return value.GetStr();
+  return value.GetText(/*period=*/false);
+}
 
-  std::vector<String> few_;
-  std::unordered_set<String> many_;
-};
+// Whether the host's character set has ASCII as everyone has it.
+bool IsAsciiItself() {
+  String ascii;
+  ascii.Resize(128);
+  for (int i = 0; i < 128; ++i) ascii.MutableText()[i] = static_cast<char>(i);
+  return ConvertStringToUTF8(ascii) == ascii;
+}
 
-// Where the walk stands in one body.
-struct Level {
-  IxoMepParser* parser;
-  std::int32_t next = 0;
-};
+// Room for what a text of that length mostly becomes, where there is plenty of it.
+void ReserveFor(std::int32_t text_length, String& xml) {
+  const auto length = static_cast<std::int64_t>(text_length);
+  const std::int64_t usual = std::min<std::int64_t>(length + length / 2, String::kMaxLength);
+  if (!ixomep::MemoryBudget::MayTake(static_cast<std::size_t>(4 * usual))) return;
+  xml.Reserve(static_cast<std::int32_t>(usual));
+}
 
 class Writer {
  public:
-  Writer(String& out, bool references, bool xml_names)
-      : out_(out), references_(references), xml_names_(xml_names) {}
+  Writer(ixomep::XmlBuffer& out, bool references, bool xml_names)
+      : out_(out),
+        references_(references),
+        xml_names_(xml_names),
+        is_ascii_itself_(IsAsciiItself()) {}
 
   void Write(IxoMepParser& parser) {
     levels_.push_back({&parser});
@@ -124,93 +126,145 @@ class Writer {
   }
 
  private:
+  // Where the walk stands in one body.
+  struct Level {
+    IxoMepParser* parser;
+    std::int32_t next = 0;
+  };
+
   void Step() {
     Level& level = levels_.back();
-    const IxoMepElement* const element = level.parser->GetElement(level.next);
+    const IxoMepElement* const element = MakeCurrent(*level.parser, level.next++);
     if (element == nullptr) {
       levels_.pop_back();
-      if (!levels_.empty()) WriteEnd();
+      if (!levels_.empty()) WriteEnd(*levels_.back().parser->GetCurElement());
       return;
     }
-    level.parser->SetCurElemIndex(level.next++);
-    WriteStart(*element);
-    if (IxoMepParser* const body = element->GetBodyParser()) {
-      out_ += ">\n";
-      levels_.push_back({body});
+    const ElementParts parts = PartsOf(*element);
+    WriteStart(*element, parts);
+    if (parts.body != nullptr) {
+      out_.Literal(">\n");
+      levels_.push_back({parts.body});
     } else {
-      out_ += " />\n";
+      out_.Literal(" />\n");
     }
   }
 
   void WriteIndent() {
-    for (std::size_t i = 1; i < levels_.size(); ++i) out_ += kIndent;
+    if (levels_.size() > 1) out_.Blanks(kIndent * (levels_.size() - 1));
   }
 
-  void WriteEnd() {
+  void WriteEnd(const IxoMepElement& element) {
     WriteIndent();
-    out_ += "</";
-    WriteTag(*levels_.back().parser->GetCurElement());
-    out_ += ">\n";
+    out_.Literal("</");
+    WriteTag(element.GetKeyword());
+    out_.Literal(">\n");
   }
 
-  void WriteStart(const IxoMepElement& element) {
+  void WriteStart(const IxoMepElement& element, const ElementParts& parts) {
     WriteIndent();
-    out_ += '<';
-    WriteTag(element);
-    if (const IxoMepValue* value = element.GetValue()) {
-      out_ += " val=\"";
-      out_ += Escaped(ExportTextOf(*value));
-      out_ += '"';
+    out_.Append('<');
+    WriteTag(parts.keyword);
+    if (parts.value != nullptr) {
+      out_.Literal(" val=\"");
+      WriteValue(*parts.value);
+      out_.Append('"');
     }
     written_.Clear();
-    for (std::int32_t i = 0; i < element.GetAttrCount(); ++i) {
-      const IxoMepAttribute& attribute = *element.GetAttr(i);
-      const String name = xml_names_ ? XmlNameOf(attribute.GetName()) : attribute.GetName();
-      if (written_.Insert(name)) WriteAttribute(attribute, name);
+    for (std::int32_t i = 0; i < parts.attribute_count; ++i) {
+      const AttributeParts attribute = PartsOf(element, i);
+      const String& name = xml_names_ ? xml_name_of_.Of(attribute.name) : attribute.name;
+      if (written_.Insert(name)) WriteAttribute(attribute, name.view());
     }
   }
 
-  void WriteTag(const IxoMepElement& element) {
-    const std::string_view keyword = element.GetKeyword();
-    if (xml_names_ && keyword == ";") {
-      out_ += kStatementTag;
+  void WriteTag(const String& keyword) {
+    if (xml_names_ && keyword == ";") return out_.Literal("statement");
+    for (std::string_view rest = keyword.view(); !rest.empty();) {
+      const std::size_t count = std::min(rest.size(), ixomep::XmlBuffer::kBlockSize);
+      char* const tag = out_.Room(count);
+      out_.Advance(std::transform(
+          rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(count), tag, [](char byte) {
+            const bool is_upper = byte >= 'A' && byte <= 'Z';
+            const char lower = static_cast<char>(byte + (is_upper ? 32 : 0));
+            return byte == '_' ? '-' : lower;
+          }));
+      rest.remove_prefix(count);
+    }
+  }
+
+  void WriteAttribute(const AttributeParts& attribute, std::string_view name) {
+    if (!attribute.modifier.IsEmpty()) {
+      out_.Literal(" modifier-");
+      out_.Append(name);
+      out_.Literal("=\"");
+      out_.Append(attribute.modifier.view());
+      out_.Append('"');
+    }
+    const bool has_value =
+        attribute.value != nullptr && attribute.value->GetType() != IxoMepValueType::Undefined;
+    if (attribute.body == nullptr && !has_value) {
+      out_.Literal(" opt-");
+      out_.Append(name);
+      out_.Literal("=\"true\"");
       return;
     }
-    for (const char byte : keyword) {
-      const bool is_upper = byte >= 'A' && byte <= 'Z';
-      out_ += byte == '_' ? '-' : static_cast<char>(is_upper ? byte - 'A' + 'a' : byte);
-    }
-  }
-
-  void WriteAttribute(const IxoMepAttribute& attribute, const String& name) {
-    if (!attribute.GetModifier().IsEmpty()) {
-      WritePair(" modifier-", name, attribute.GetModifier());
-    }
-    const IxoMepValue* const value = attribute.GetValue();
-    if (const IxoMepParser* const body = attribute.GetBodyParser()) {
-      WritePair(" val-", name, Escaped(TextOfBody(*body)));
-    } else if (value != nullptr && value->GetType() != IxoMepValueType::Undefined) {
-      WritePair(" val-", name, Escaped(ExportTextOf(*value)));
+    out_.Literal(" val-");
+    out_.Append(name);
+    out_.Literal("=\"");
+    if (attribute.body != nullptr) {
+      WriteEscaped(TextOfBody(*attribute.body));
     } else {
-      WritePair(" opt-", name, "true");
+      WriteValue(*attribute.value);
+    }
+    out_.Append('"');
+  }
+
+  // The export text. That of a number has nothing to escape.
+  void WriteValue(const IxoMepValue& value) {
+    using ixomep::ValueAccess;
+    const IxoMepValueType type = value.GetType();
+    if (type == IxoMepValueType::String) return WriteEscaped(ValueAccess::Text(value));
+    if (!is_ascii_itself_) return WriteEscaped(ExportTextOf(value));
+    switch (type) {
+      case IxoMepValueType::Integer: {
+        char* const out = out_.Room(kIntegerSize);
+        return out_.Advance(
+            std::to_chars(out, out + kIntegerSize, ValueAccess::Integer(value)).ptr);
+      }
+      case IxoMepValueType::Real:
+        return Advance(ixomep::FormatReal(ValueAccess::Number(value), /*period=*/false,
+                                          out_.Room(ixomep::kFormatRealSize)));
+      case IxoMepValueType::Measure: {
+        char buffer[ixomep::kTenthsTextSize];
+        const std::int32_t tenths = ixomep::WholeTenthsOf(ValueAccess::Number(value));
+        return out_.Append(ixomep::WriteTenths(tenths, buffer));
+      }
+      case IxoMepValueType::Time:
+        return Advance(
+            ixomep::FormatTime(ValueAccess::Number(value), out_.Room(ixomep::kFormatTimeSize)));
+      default:
+        return WriteEscaped(ExportTextOf(value));
     }
   }
 
-  void WritePair(std::string_view prefix, const String& name, std::string_view text) {
-    out_ += prefix;
-    out_ += name;
-    out_ += "=\"";
-    out_ += text;
-    out_ += '"';
+  // What has been written into the buffer's room.
+  void Advance(std::string_view written) { out_.Advance(written.data() + written.size()); }
+
+  void WriteEscaped(const String& text) {
+    if (is_ascii_itself_ && out_.AppendEscaped(text.view())) return;
+    out_.Append(IxoSGMLString::XMLStr(text, references_).view());
   }
 
-  String Escaped(const String& text) const { return IxoSGMLString::XMLStr(text, references_); }
+  static constexpr std::size_t kIntegerSize = 12;
 
-  String& out_;
+  ixomep::XmlBuffer& out_;
   bool references_;
   bool xml_names_;
+  bool is_ascii_itself_;
   std::vector<Level> levels_;
-  NameSet written_;
+  ixomep::XmlNameSet written_;
+  ixomep::XmlNames xml_name_of_;
 };
 
 }  // namespace
@@ -221,11 +275,23 @@ String IxoMepConverter::ToXML(bool withDeclaration, const String& rootName) {
   if (withDeclaration) escape_flag_ = false;
   return ixomep::OrNeutral(String(), [&] {
     String xml;
-    if (withDeclaration) xml += kDeclaration;
-    if (!rootName.IsEmpty()) xml += "<" + rootName + ">\n";
-    Writer(xml, escape_flag_, xml_names_).Write(*this);
-    if (!rootName.IsEmpty()) xml += "</" + rootName + ">\n";
-    return xml;
+    ReserveFor(GetTextLen(), xml);
+    ixomep::XmlBuffer out(xml);
+    if (withDeclaration) out.Append(kDeclaration);
+    if (!rootName.IsEmpty()) {
+      out.Append('<');
+      out.Append(rootName.view());
+      out.Literal(">\n");
+    }
+    Writer(out, escape_flag_, xml_names_).Write(*this);
+    if (!rootName.IsEmpty()) {
+      out.Literal("</");
+      out.Append(rootName.view());
+      out.Literal(">\n");
+    }
+    out.Flush();
+    const bool is_mostly_unused = xml.Len() < GetTextLen() / 2;
+    return is_mostly_unused ? String(xml.view()) : xml;
   });
 }
 

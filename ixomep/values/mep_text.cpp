@@ -1,6 +1,7 @@
 // Values written as literals, and the display form of a measure.
 #include "ixomep/values/mep_text.h"
 
+#include <charconv>
 #include <stdexcept>
 #include <string>
 
@@ -70,21 +71,29 @@ String MepTextOfNumber(double number, bool period) {
 }
 
 String MepTextOfTenths(std::int32_t tenths) {
+  char buffer[kTenthsTextSize];
+  return String(WriteTenths(tenths, buffer));
+}
+
+std::string_view WriteTenths(std::int32_t tenths, char* buffer) noexcept {
   if (tenths == 0) return "0cm";
   const std::int32_t whole = tenths / 100;
   const std::int32_t rest = tenths < 0 ? -(tenths % 100) : tenths % 100;
-  std::string text;
+  char* out = buffer;
   // Meant: no zero before the point.
   if (whole != 0) {
-    text = std::to_string(whole);
-  } else {
-    text = SignOf(tenths);
+    out = std::to_chars(out, buffer + kTenthsTextSize, whole).ptr;
+  } else if (tenths < 0) {
+    *out++ = '-';
   }
   if (rest != 0) {
-    text += '.';
-    text += rest % 10 == 0 ? std::to_string(rest / 10) : PaddedDigits(rest, 2);
+    *out++ = '.';
+    *out++ = static_cast<char>('0' + rest / 10);
+    if (rest % 10 != 0) *out++ = static_cast<char>('0' + rest % 10);
   }
-  return text + "cm";
+  *out++ = 'c';
+  *out++ = 'm';
+  return {buffer, static_cast<std::size_t>(out - buffer)};
 }
 
 String MepTextOfPoints(std::int32_t tenths) {

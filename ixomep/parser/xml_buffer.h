@@ -1,0 +1,90 @@
+// Internal: the growing text that XML is written into. Bytes are collected in a block that stays
+// in the processor's cache and go into the text a block at a time; ASCII values are escaped on
+// their way into the block, without a text of their own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "ixomep/host/string.h"
+
+namespace ixomep {
+
+// What is written is in the text after Flush. Throws as String does.
+class XmlBuffer {
+ public:
+  // The most that Room can give.
+  static constexpr std::size_t kBlockSize = 32768;
+
+  // Appends to a text that lives as long.
+  explicit XmlBuffer(String& out)
+      : out_(out),
+        block_(std::make_unique_for_overwrite<char[]>(kBlockSize)),
+        at_(block_.get()),
+        end_(block_.get() + kBlockSize) {}
+
+  // Place for that many bytes, kBlockSize at most; what has been written is told to Advance.
+  char* Room(std::size_t size) {
+    if (static_cast<std::size_t>(end_ - at_) < size) Flush();
+    return at_;
+  }
+  void Advance(const char* end) noexcept { at_ += end - at_; }
+
+  // A string literal.
+  template <std::size_t kSize>
+  void Literal(const char (&text)[kSize]) {
+    std::memcpy(Room(kSize - 1), text, kSize - 1);
+    at_ += kSize - 1;
+  }
+  void Append(char byte) {
+    *Room(1) = byte;
+    ++at_;
+  }
+  void Append(std::string_view text) {
+    if (text.size() > kBlockSize) return AppendLong(text);
+    Copy(Room(text.size()), text);
+    at_ += text.size();
+  }
+  void Blanks(std::size_t count);
+  // Escaped for an attribute value. False, and nothing written, when a byte of the text is not
+  // ASCII: what becomes of those is the host's to say.
+  bool AppendEscaped(std::string_view ascii);
+
+  void Flush();
+
+ private:
+  // Most names and values are short, and a call costs more than copying them: two moves of one
+  // size that overlap.
+  template <class Word>
+  static void CopyEnds(char* to, std::string_view from) noexcept {
+    Word front, back;
+    const std::size_t rest = from.size() - sizeof(Word);
+    std::memcpy(&front, from.data(), sizeof front);
+    std::memcpy(&back, from.data() + rest, sizeof back);
+    std::memcpy(to, &front, sizeof front);
+    std::memcpy(to + rest, &back, sizeof back);
+  }
+  static void Copy(char* to, std::string_view from) noexcept {
+    if (from.size() > 16) {
+      std::memcpy(to, from.data(), from.size());
+    } else if (from.size() >= 8) {
+      CopyEnds<std::uint64_t>(to, from);
+    } else if (from.size() >= 4) {
+      CopyEnds<std::uint32_t>(to, from);
+    } else {
+      for (const char byte : from) *to++ = byte;
+    }
+  }
+  void AppendLong(std::string_view text);
+  bool AppendEscapedPiece(std::string_view ascii);
+
+  String& out_;
+  std::unique_ptr<char[]> block_;
+  char* at_;
+  char* end_;
+};
+
+}  // namespace ixomep
