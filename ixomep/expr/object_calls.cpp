@@ -4,6 +4,7 @@
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/guarded.h"
 #include "ixomep/expr/node_ptr.h"
+#include "ixomep/expr/program.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/engine_hooks.h"
 #include "ixomep/values/object.h"
@@ -31,7 +32,7 @@ IxoMepErrorEnum RunBody(const IxoMepExprNode& lambda, IxoMepValueSet& scope, Ixo
                         bool& has_result, String& text) {
   if (lambda.Right() == nullptr) return Raise(text, IMEPERR_NOT_CALLABLE);
   Frame frame{CallingParser::Current(), &scope, text, false};
-  const IxoMepErrorEnum code = Evaluate(*lambda.Right(), frame, result);
+  const IxoMepErrorEnum code = EvaluateBody(lambda, frame, result);
   has_result = !frame.no_result;
   return code;
 }

@@ -1,6 +1,7 @@
 // array.sort. By operator< the outcome of the exchanges is known beforehand: types stand by rank,
-// within a type a stable sort, in which nothing ever passes a NaN. So it is made directly. A
-// lambda, and references, whose order need not be transitive, get the exchanges as written.
+// within a type a stable sort, in which nothing ever passes a NaN. So it is made directly, and so
+// is the order by a lambda that compares one key of its elements. Other lambdas, and references,
+// whose order need not be transitive, get the exchanges as written.
 #include "ixomep/values/array_sort.h"
 
 #include <algorithm>
@@ -145,6 +146,7 @@ IxoMepErrorEnum SortArray(IxoMepValue& array, IxoMepExprNode* lambda, String& er
   const StorageHold hold(array);
   IxoMepValueList& items = hold.Items();
   if (lambda != nullptr) {
+    if (SortByKey(*lambda, items)) return IMEPERR_NONE;
     return ExchangeNeighbours(
         items, [&](const IxoMepValue& first, const IxoMepValue& second, bool& truth) {
           return ApplyPredicate(lambda, first, second, truth, error_text);

@@ -23,6 +23,10 @@ std::int32_t LambdaParamCount(const IxoMepExprNode* lambda) noexcept;
 IxoMepErrorEnum ApplyPredicate(IxoMepExprNode* lambda, const IxoMepValue& first,
                                const IxoMepValue& second, bool& truth, String& error_text);
 
+// Sorts the elements as the exchanges by that predicate would, when it only compares one quiet
+// expression of either element; false, and nothing changed, for any other (sort_by_key.cpp).
+bool SortByKey(const IxoMepExprNode& lambda, IxoMepValueList& items);
+
 // Destroys nodes that wait for their destruction; called by the outermost teardown. True when
 // there were any.
 bool BuryDoomedNodes() noexcept;
