@@ -128,6 +128,7 @@ class Writer {
     Level& level = levels_.back();
     const IxoMepElement* const element = level.parser->GetElement(level.next);
     if (element == nullptr) {
+      if (level.next < level.parser->GetElemCount()) throw std::bad_alloc();
       levels_.pop_back();
       if (!levels_.empty()) WriteEnd();
       return;
