@@ -31,6 +31,8 @@ enum class LiteralKind : std::uint8_t {
   String,   // `at` behind the opening quote, `size` up to the closing one, no backslash between
   Escaped,  // the same with backslashes
   Integer,  // a sign and up to nine digits
+  Measure,  // a decimal number with a unit of length
+  Time,     // the same with that of time
   Number,   // any other number, measure or time
   Made,     // `at` is an index into the values that were made when the text was read, `size` how
             // far behind the start of the element the literal stands
@@ -103,6 +105,10 @@ class Document {
   const AttributeRecord& Attribute(std::uint32_t index) const noexcept {
     return attributes_[index];
   }
+  // The value of a literal of kind Made, while its element is no object.
+  const IxoMepValue* Made(const LiteralRecord& literal) const noexcept {
+    return made_[literal.at].value.get();
+  }
   const BodyRecord& Body(std::uint32_t index) const noexcept { return bodies_[index]; }
   const NameTable& Names() const noexcept { return names_; }
   // The first attribute of that name; kNoRecord when there is none.
@@ -143,6 +149,7 @@ class Document {
   // Body parsers that were asked for, by the number of their body, and the blocks they stand in.
   mutable RecordArray<IxoMepParser*> parsers_;
   mutable std::vector<std::unique_ptr<std::byte[]>> blocks_;
+  mutable std::size_t blocks_bytes_ = 0;
   mutable std::size_t block_room_ = 0;  // parsers that still fit into the last block
 
   mutable RecordArray<std::uint32_t> line_marks_;  // line feeds before every kLineMark-th byte

@@ -47,6 +47,19 @@ int UnitLength(const char* at) noexcept {
   return is_unit ? 2 : -1;
 }
 
+// Whether evaluating the tree without variables ends at once with an unknown variable: operators
+// evaluate their left operand, or the only one, first.
+bool StartsWithVariable(const IxoMepExprNode* node) noexcept {
+  constexpr int kMostSteps = 32;  // far below the depth at which evaluation gives up
+  for (int step = 0; step < kMostSteps && node != nullptr; ++step) {
+    const IxoMepExprNodeType kind = node->GetType();
+    if (kind == IxoMepExprNodeType::Variable) return true;
+    if (kind < IxoMepExprNodeType::Plus || kind > IxoMepExprNodeType::Real) return false;
+    node = node->Left() != nullptr ? node->Left() : node->Right();
+  }
+  return false;
+}
+
 constexpr char CloserOf(char opener) noexcept {
   return opener == '(' ? ')' : opener == '[' ? ']' : '}';
 }
@@ -96,7 +109,7 @@ bool DocumentScanner::ReadNumber(LiteralRecord& literal) {
     kind = LiteralKind::Number;
   }
   const int unit = UnitLength(end);
-  if (unit != 0) kind = LiteralKind::Number;
+  if (unit != 0) kind = *end == 's' ? LiteralKind::Time : LiteralKind::Measure;
   at_ = end + unit;
   if (unit < 0 || !EndsHere()) {
     at_ = start;
@@ -196,12 +209,12 @@ bool DocumentScanner::Compile(std::string_view source, std::uint32_t at, bool is
   auto expression = std::make_unique<IxoMepExpressionParser>();
   String error_text;
   if (expression->SetExpression(String(source), error_text) != IMEPERR_NONE) return false;
-  if (!is_literal) expression->SetLineNo(static_cast<std::uint32_t>(document_.LineAt(at)));
+  expression->SetLineNo(static_cast<std::uint32_t>(document_.LineAt(at)));
   index = static_cast<std::uint32_t>(document_.made_.size());
   MadeValue& made = document_.made_.emplace_back();
   made.at = at;
   made.is_shared = is_shared;
-  made.needs_fold = is_literal;
+  made.needs_fold = is_literal && !StartsWithVariable(expression->GetTree());
   made.value = MakeValue(expression.get(), true);
   (void)expression.release();
   return true;
@@ -214,7 +227,6 @@ bool DocumentScanner::Fold(FoldedLiterals& folded) {
     MadeValue& made = all[i];
     if (!made.needs_fold) continue;
     IxoMepExpressionParser& expression = *made.value->GetExpr();
-    expression.SetLineNo(static_cast<std::uint32_t>(document_.LineAt(made.at)));
     IxoMepValue* result = nullptr;
     String error_text;
     const IxoMepErrorEnum code =

@@ -28,6 +28,7 @@ Document::~Document() {
   for (std::uint32_t i = 0; i < parsers_.Size(); ++i) {
     if (parsers_[i] != nullptr) parsers_[i]->~IxoMepParser();
   }
+  MemoryBudget::Give(blocks_bytes_);
 }
 
 IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
@@ -121,7 +122,10 @@ IxoMepParser* Document::BodyParser(std::uint32_t index) const {
   if (parser != nullptr) return parser;
   if (block_room_ == 0) {
     const std::size_t room = std::min<std::size_t>(bodies_.Size(), kMostInBlock);
-    blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(room * sizeof(IxoMepParser)));
+    const std::size_t bytes = room * sizeof(IxoMepParser);
+    blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(bytes));
+    MemoryBudget::Take(bytes);
+    blocks_bytes_ += bytes;
     block_room_ = room;
   }
   std::byte* const place = blocks_.back().get() + (block_room_ - 1) * sizeof(IxoMepParser);

@@ -8,9 +8,6 @@
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 
-using ixomep::ElementView;
-using ixomep::ValueView;
-
 IxoMepElement* IxoMepParser::ElementAt(std::int32_t index) const noexcept {
   if (index < 0 || index >= GetElemCount()) return nullptr;
   const auto at = static_cast<std::size_t>(index);
@@ -64,38 +61,4 @@ void IxoMepParser::ForgetRecords() noexcept {
   records_ = nullptr;
   record_count_ = 0;
   has_loose_record_ = false;
-}
-
-ElementView IxoMepParser::ViewAt(std::int32_t index) const noexcept {
-  if (index < 0 || index >= GetElemCount()) return {};
-  const auto at = static_cast<std::size_t>(index);
-  if (!elements_.empty() && elements_[at] != nullptr) return ElementView(elements_[at].get());
-  return {*records_, first_record_ + static_cast<std::uint32_t>(index), /*is_loose=*/false};
-}
-
-ElementView IxoMepParser::CurrentView() const noexcept {
-  if (current_ != nullptr) return ElementView(current_);
-  if (current_index_ >= 0) return ViewAt(current_index_);
-  return {*records_, first_record_ - 1, /*is_loose=*/true};
-}
-
-ValueView IxoMepParser::OwnValue() const noexcept {
-  const ElementView element = CurrentView();
-  return element.IsValueReadable() ? element.Value() : ValueView(Current().GetValue());
-}
-
-ValueView IxoMepParser::NamedValue(const String& name) const noexcept {
-  const ixomep::AttributeView attribute = CurrentView().FindAttr(name);
-  if (!attribute) return {};
-  if (attribute.IsValueReadable()) return attribute.Value();
-  const IxoMepAttribute* const made = Current().FindAttr(name);
-  return made != nullptr ? ValueView(made->GetValue()) : ValueView();
-}
-
-ValueView IxoMepParser::ValueAt(std::int32_t pos) const noexcept {
-  const ixomep::AttributeView attribute = CurrentView().Attr(pos);
-  if (!attribute) return {};
-  if (attribute.IsValueReadable()) return attribute.Value();
-  const IxoMepAttribute* const made = Current().GetAttr(pos);
-  return made != nullptr ? ValueView(made->GetValue()) : ValueView();
 }

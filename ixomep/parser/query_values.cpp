@@ -82,22 +82,24 @@ bool IxoMepParser::Read(const ixomep::ValueView& stored, Out& out, Convert conve
 
 // --- Types --------------------------------------------------------------------------------------
 
-IxoMepValueType IxoMepParser::GetValueType() const {
+IxoMepValueType IxoMepParser::TypeOf(const ixomep::ValueView& stored) const {
   Type type = Type::Undefined;
-  Read(OwnValue(), type, &IxoMepValue::GetType);
+  const bool is_final = stored.GetType(type) && type != Type::Reference &&
+                        (type != Type::Expression || vars_ == nullptr);
+  if (is_final) return type;
+  type = Type::Undefined;
+  Read(stored, type, &IxoMepValue::GetType);
   return type;
 }
 
+IxoMepValueType IxoMepParser::GetValueType() const { return TypeOf(OwnValue()); }
+
 IxoMepValueType IxoMepParser::GetValueType(const String& name) const {
-  Type type = Type::Undefined;
-  Read(NamedValue(name), type, &IxoMepValue::GetType);
-  return type;
+  return TypeOf(NamedValue(name));
 }
 
 IxoMepValueType IxoMepParser::GetValueTypeOfPos(std::int32_t pos) const {
-  Type type = Type::Undefined;
-  Read(ValueAt(pos), type, &IxoMepValue::GetType);
-  return type;
+  return TypeOf(ValueAt(pos));
 }
 
 IxoMepErrorEnum IxoMepParser::ExpectValueType(Type type, bool allowMissing) {

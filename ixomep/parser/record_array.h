@@ -47,7 +47,8 @@ class RecordArray {
     const std::uint32_t count = other.size_ - from;
     if (count > capacity_ - size_) [[unlikely]]
       Grow(count);
-    if (count != 0) std::memcpy(data_ + size_, other.data_ + from, count * sizeof(Record));
+    // Mostly a few records: not worth a call.
+    for (std::uint32_t i = 0; i < count; ++i) data_[size_ + i] = other.data_[from + i];
     size_ += count;
     other.size_ = from;
   }
