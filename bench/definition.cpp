@@ -51,7 +51,8 @@ String NestedText(std::int64_t depth) {
 }
 
 // A walk over all elements at all depths. It asks for keywords, for the names, modifiers and value
-// types of all attributes, for all bodies, and, if wished, for all values by name and type.
+// types of all attributes, for all bodies, and, if wished, for the values of all strings, integers
+// and measures by the names of their attributes.
 class Walk {
  public:
   explicit Walk(bool asks_for_values) : asks_for_values_(asks_for_values) {}
@@ -97,7 +98,7 @@ class Walk {
       found_ += parser.GetStrValue(name).Len();
     } else if (type == IxoMepValueType::Measure) {
       found_ += parser.GetValueTMM(name);
-    } else {
+    } else if (type == IxoMepValueType::Integer) {
       found_ += parser.GetIntValue(name);
     }
   }

@@ -34,6 +34,7 @@ enum class LiteralKind : std::uint8_t {
   Measure,  // a decimal number with a unit of length
   Time,     // the same with that of time
   Number,   // any other number, measure or time
+  Source,   // of an expression that needs variables: it is compiled when it is asked for
   Made,     // `at` is an index into the values that were made when the text was read, `size` how
             // far behind the start of the element the literal stands
   Body,     // `at` is the index of a body
@@ -131,6 +132,7 @@ class Document {
   std::unique_ptr<IxoMepElement> MakeObject(std::uint32_t index, IxoMepParser* parser,
                                             std::int32_t offset) const;
   // `start` is the element's.
+  ValuePtr CompileSource(const LiteralRecord& literal) const;
   ValuePtr MakeValueOf(const LiteralRecord& literal, std::uint32_t start) const;
   std::uint32_t CountedLines(std::uint32_t offset) const;
 

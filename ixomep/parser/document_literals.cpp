@@ -60,6 +60,35 @@ bool StartsWithVariable(const IxoMepExprNode* node) noexcept {
   return false;
 }
 
+const char* SkipSpaces(const char* at) noexcept {
+  while (*at == ' ' || *at == '\n' || *at == '\t') ++at;
+  return at;
+}
+
+// Whether the source is a sum or product of names and plain numbers that begins with a name: it
+// can be compiled for certain, and without variables it stays an expression.
+bool IsPlainSource(std::string_view source) noexcept {
+  constexpr int kMostOperands = 32;
+  // A bracket stands behind the source, so every run ends.
+  const char* at = SkipSpaces(source.data());
+  const char* const end = source.data() + source.size();
+  for (int operand = 0; operand < kMostOperands; ++operand) {
+    if (IsQuick(*at, kQuickLower)) {
+      while (IsQuick(*at, kQuickLower | kQuickDigit) || *at == '_') ++at;
+    } else {
+      const char* const digits = at;
+      at = SkipQuick(at, kQuickDigit);
+      if (operand == 0 || at == digits || at - digits > int{kExactDigits}) return false;
+      if (*at == '.') return false;
+    }
+    const char* const next = SkipSpaces(at);
+    if (next == end) return true;
+    if (*next != '+' && *next != '-' && *next != '*' && *next != '/') return false;
+    at = SkipSpaces(next + 1);
+  }
+  return false;
+}
+
 constexpr char CloserOf(char opener) noexcept {
   return opener == '(' ? ')' : opener == '[' ? ']' : '}';
 }
@@ -184,6 +213,11 @@ bool DocumentScanner::ReadExpression(LiteralRecord& literal, std::uint32_t start
   const std::string_view source(at_ + brackets, static_cast<std::size_t>(end - at_) - 2 * brackets);
   const std::uint32_t at = OffsetOf(at_) + static_cast<std::uint32_t>(brackets);
   std::uint32_t index = 0;
+  if (is_simple && brackets != 0 && IsPlainSource(source)) {
+    literal.Set(LiteralKind::Source, at, source.size());
+    at_ = end;
+    return true;
+  }
   if (is_simple && brackets != 0 && !source.empty() && source.size() <= kSharedSource) {
     if (sources_ == nullptr) {
       sources_ = std::make_unique<NameTable>(document_.text_.view());

@@ -41,6 +41,8 @@ IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
     }
     case LiteralKind::Integer:
       return IxoMepValue(IntegerOf(bytes.substr(literal.at, literal.size)));
+    case LiteralKind::Source:
+      return std::move(*CompileSource(literal));
     default: {
       LiteralContext context(nullptr, 0);
       std::size_t position = literal.at - (literal.Kind() == LiteralKind::Escaped ? 1 : 0);
@@ -51,6 +53,18 @@ IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
   }
 }
 
+ValuePtr Document::CompileSource(const LiteralRecord& literal) const {
+  auto expression = std::make_unique<IxoMepExpressionParser>();
+  String error_text;
+  const String source(text_.view().substr(literal.at, literal.size));
+  // Known to be right: only memory can be missing.
+  if (expression->SetExpression(source, error_text) != IMEPERR_NONE) throw std::bad_alloc();
+  expression->SetLineNo(static_cast<std::uint32_t>(LineAt(literal.at)));
+  ValuePtr value = MakeValue(expression.get(), true);
+  (void)expression.release();
+  return value;
+}
+
 // Null for none, and for a value that nobody else gets: MakeObject takes it in the end.
 ValuePtr Document::MakeValueOf(const LiteralRecord& literal, std::uint32_t start) const {
   switch (literal.Kind()) {
@@ -59,6 +73,8 @@ ValuePtr Document::MakeValueOf(const LiteralRecord& literal, std::uint32_t start
       return nullptr;
     case LiteralKind::Made:
       break;
+    case LiteralKind::Source:
+      return CompileSource(literal);
     default:
       return MakeValue(ReadLiteral(literal));
   }

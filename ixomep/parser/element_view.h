@@ -30,6 +30,10 @@ class ValueView {
     room = document_->ReadLiteral(*literal_);
     return &room;
   }
+  // An expression that is compiled for every use: better done once, by the object.
+  bool IsSource() const noexcept {
+    return literal_ != nullptr && literal_->Kind() == LiteralKind::Source;
+  }
   // The type of the value; false when it takes reading the literal to tell.
   bool GetType(IxoMepValueType& type) const noexcept;
   // The text of a string literal without escapes, as it stands; false for any other value.
@@ -128,6 +132,9 @@ inline bool ValueView::GetType(IxoMepValueType& type) const noexcept {
     case LiteralKind::Time:
       type = IxoMepValueType::Time;
       return true;
+    case LiteralKind::Source:
+      type = IxoMepValueType::Expression;
+      return true;
     default:
       return false;
   }
@@ -214,16 +221,4 @@ inline ixomep::ElementView IxoMepParser::CurrentView() const noexcept {
   if (current_ != nullptr) return ixomep::ElementView(current_);
   if (current_index_ >= 0) return ViewAt(current_index_);
   return {*records_, first_record_ - 1, /*is_loose=*/true};
-}
-
-inline ixomep::ValueView IxoMepParser::OwnValue() const noexcept { return CurrentView().Value(); }
-
-inline ixomep::ValueView IxoMepParser::NamedValue(const String& name) const noexcept {
-  const ixomep::AttributeView attribute = CurrentView().FindAttr(name);
-  return attribute ? attribute.Value() : ixomep::ValueView();
-}
-
-inline ixomep::ValueView IxoMepParser::ValueAt(std::int32_t pos) const noexcept {
-  const ixomep::AttributeView attribute = CurrentView().Attr(pos);
-  return attribute ? attribute.Value() : ixomep::ValueView();
 }

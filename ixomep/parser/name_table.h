@@ -72,17 +72,20 @@ class NameTable {
   // `room` bytes may be read.
   static Key KeyOf(const char* name, std::uint32_t size, std::size_t room) noexcept {
     if (size > 8) return {Load(name), Load(name + size - 8), size};
+    if (size == 8) return {Load(name), 0, size};
+    if (room >= 8 && std::endian::native == std::endian::little) {
+      return {Load(name) & ((std::uint64_t{1} << (8 * size)) - 1), 0, size};
+    }
     std::uint64_t head = 0;
-    if (size == 8 || std::endian::native != std::endian::little || room < 8) {
-      std::memcpy(&head, name, size);
-    } else {
-      head = Load(name) & ((std::uint64_t{1} << (8 * size)) - 1);
+    for (std::uint32_t i = 0; i < size; ++i) {
+      head |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
     }
     return {head, 0, size};
   }
   std::uint32_t SlotOf(const Key& key) const noexcept {
-    std::uint64_t hash = (key.head ^ key.size) * 0x9E3779B97F4A7C15u;
-    hash = (hash ^ (hash >> 32) ^ key.tail) * 0xD6E8FEB86659FD93u;
+    // Names often differ in their last byte only, and a product carries upwards: fold first.
+    std::uint64_t hash = ((key.head ^ key.size) * 0x9E3779B97F4A7C15u) ^ key.tail;
+    hash = (hash ^ (hash >> 32)) * 0xD6E8FEB86659FD93u;
     return static_cast<std::uint32_t>(hash >> 40) & mask_;
   }
   bool Matches(const Entry& entry, const Key& key, const char* name) const noexcept {

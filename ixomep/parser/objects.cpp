@@ -8,6 +8,9 @@
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 
+using ixomep::AttributeView;
+using ixomep::ValueView;
+
 IxoMepElement* IxoMepParser::ElementAt(std::int32_t index) const noexcept {
   if (index < 0 || index >= GetElemCount()) return nullptr;
   const auto at = static_cast<std::size_t>(index);
@@ -61,4 +64,29 @@ void IxoMepParser::ForgetRecords() noexcept {
   records_ = nullptr;
   record_count_ = 0;
   has_loose_record_ = false;
+}
+
+// What is to be evaluated becomes an object first, so that it is compiled once.
+
+ValueView IxoMepParser::OwnValue() const noexcept {
+  const ValueView value = CurrentView().Value();
+  return value.IsSource() && vars_ != nullptr ? ValueView(Current().GetValue()) : value;
+}
+
+ValueView IxoMepParser::NamedValue(const String& name) const noexcept {
+  const AttributeView attribute = CurrentView().FindAttr(name);
+  if (!attribute) return {};
+  const ValueView value = attribute.Value();
+  if (!value.IsSource() || vars_ == nullptr) return value;
+  const IxoMepAttribute* const made = Current().FindAttr(name);
+  return made != nullptr ? ValueView(made->GetValue()) : ValueView();
+}
+
+ValueView IxoMepParser::ValueAt(std::int32_t pos) const noexcept {
+  const AttributeView attribute = CurrentView().Attr(pos);
+  if (!attribute) return {};
+  const ValueView value = attribute.Value();
+  if (!value.IsSource() || vars_ == nullptr) return value;
+  const IxoMepAttribute* const made = Current().GetAttr(pos);
+  return made != nullptr ? ValueView(made->GetValue()) : ValueView();
 }
