@@ -148,11 +148,8 @@ class Document {
   NameTable names_;
   mutable std::vector<MadeValue> made_;
 
-  // Body parsers that were asked for, by the number of their body, and the blocks they stand in.
+  // Body parsers that were asked for, by the number of their body.
   mutable RecordArray<IxoMepParser*> parsers_;
-  mutable std::vector<std::unique_ptr<std::byte[]>> blocks_;
-  mutable std::size_t blocks_bytes_ = 0;
-  mutable std::size_t block_room_ = 0;  // parsers that still fit into the last block
 
   mutable RecordArray<std::uint32_t> line_marks_;  // line feeds before every kLineMark-th byte
   mutable std::uint32_t lines_offset_;             // of the last question, and the answer

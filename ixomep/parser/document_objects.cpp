@@ -1,6 +1,5 @@
 // The objects of the public interface, made of the records of a document when they are asked for.
 // See document.h.
-#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -8,12 +7,14 @@
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/literal_reader.h"
 #include "ixomep/parser/parser.h"
+#include "ixomep/values/free_list.h"
 #include "ixomep/values/value_rep.h"
 
 namespace ixomep {
 namespace {
 
-constexpr std::size_t kMostInBlock = 64;
+// The blocks of body parsers are recycled, as those of values are.
+using BodyBlocks = FreeList<Document, sizeof(IxoMepParser)>;
 
 std::int32_t IntegerOf(std::string_view digits) noexcept {
   const bool is_negative = digits.front() == '-';
@@ -26,9 +27,10 @@ std::int32_t IntegerOf(std::string_view digits) noexcept {
 
 Document::~Document() {
   for (std::uint32_t i = 0; i < parsers_.Size(); ++i) {
-    if (parsers_[i] != nullptr) parsers_[i]->~IxoMepParser();
+    if (parsers_[i] == nullptr) continue;
+    parsers_[i]->~IxoMepParser();
+    BodyBlocks::Give(parsers_[i]);
   }
-  MemoryBudget::Give(blocks_bytes_);
 }
 
 IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
@@ -41,6 +43,12 @@ IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
     }
     case LiteralKind::Integer:
       return IxoMepValue(IntegerOf(bytes.substr(literal.at, literal.size)));
+    case LiteralKind::Measure:
+      return IxoMepValue(IxoMepValueType::Measure,
+                         NumberOfPlainMeasure(bytes.substr(literal.at, literal.size)));
+    case LiteralKind::Time:
+      return IxoMepValue(IxoMepValueType::Time,
+                         NumberOfPlainMeasure(bytes.substr(literal.at, literal.size)));
     case LiteralKind::Source:
       return std::move(*CompileSource(literal));
     default: {
@@ -136,17 +144,7 @@ IxoMepParser* Document::BodyParser(std::uint32_t index) const {
   if (parsers_.IsEmpty()) parsers_.AssignZero(bodies_.Size());
   IxoMepParser*& parser = parsers_[index];
   if (parser != nullptr) return parser;
-  if (block_room_ == 0) {
-    const std::size_t room = std::min<std::size_t>(bodies_.Size(), kMostInBlock);
-    const std::size_t bytes = room * sizeof(IxoMepParser);
-    blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(bytes));
-    MemoryBudget::Take(bytes);
-    blocks_bytes_ += bytes;
-    block_room_ = room;
-  }
-  std::byte* const place = blocks_.back().get() + (block_room_ - 1) * sizeof(IxoMepParser);
-  parser = new (place) IxoMepParser(*this, bodies_[index]);
-  --block_room_;
+  parser = new (BodyBlocks::Take()) IxoMepParser(*this, bodies_[index]);
   return parser;
 }
 

@@ -43,6 +43,16 @@ std::int32_t IntegerOfText(const IxoMepValue& value) {
   return ixomep::LeadingInteger(value.GetStr());
 }
 
+// The text of a plain string goes straight from the definition text into the result.
+bool TakePlainText(const ixomep::ValueView& stored, String& out) noexcept {
+  std::string_view text;
+  if (!stored.GetPlainText(text)) return false;
+  return ixomep::OrNeutral(false, [&] {
+    out = String(text);
+    return true;
+  });
+}
+
 bool Fits(Type expected, Type found) noexcept {
   const auto is_number = [](Type type) { return type == Type::Integer || type == Type::Real; };
   return expected == found || (is_number(expected) && is_number(found));
@@ -149,11 +159,13 @@ std::unique_ptr<IxoMepValue> IxoMepParser::GetMapValue(const String& name) const
 }
 
 bool IxoMepParser::TryGetStrValue(String& value) const {
-  return Read(OwnValue(), value, &IxoMepValue::GetStr);
+  const ixomep::ValueView stored = OwnValue();
+  return TakePlainText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
 }
 
 bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
-  return Read(NamedValue(name), value, &IxoMepValue::GetStr);
+  const ixomep::ValueView stored = NamedValue(name);
+  return TakePlainText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
 }
 
 String IxoMepParser::GetStrValue() const {

@@ -15,9 +15,9 @@ const std::vector<std::string_view> kKeywords = {"A", "NODE", "NODE_CLASS", "B",
 const std::vector<std::string_view> kNames = {
     "a", "b", "width", "title", "r", "red", "color", "x-y", "_n", "name_that_is_long", "w\xE4rme"};
 const std::vector<std::string_view> kModifiers = {"de", "true", "yes", "mod-1", "longerModifier"};
-const std::vector<std::string_view> kPlain = {"1",    "-5",     "0",        "007",      "12.5cm",
-                                              "3mm",  "-2.5pt", "1m",       "5s",       "0.25",
-                                              "-0.5", "\"\"",   "\"text\"", "999999999"};
+const std::vector<std::string_view> kPlain = {
+    "1",    "-5",  "0",      "007",   "12.5cm", "3mm",  "-2.5pt", "1m",       "5s",
+    "-0cm", "-0s", "-0.0mm", "-2.5s", "0.25",   "-0.5", "\"\"",   "\"text\"", "999999999"};
 const std::vector<std::string_view> kRare = {"$ff",
                                              "$",
                                              "1e3",
