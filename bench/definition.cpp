@@ -1,10 +1,14 @@
 // Definition texts: read, walk and free, by size and by depth of nesting. The rate in bytes a
-// second belongs to the text; it should be the same in every row of a family.
+// second belongs to the text; it should be the same in every row of a family. "of_text" is the
+// most memory that a reading and its walk took beside the text, in bytes for each byte of text.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
+#include <vector>
 
+#include "ixomep/host/memory_budget.h"
 #include "ixomep/parser/parser.h"
 
 namespace {
@@ -22,6 +26,21 @@ String FlatText(std::int64_t bytes) {
   return String(text);
 }
 
+// Elements of about 180 bytes: a string, a measure, a modifier, an option and a body of two
+// elements. The expressions all differ.
+String MixedText(std::int64_t bytes, bool has_expressions) {
+  std::string text;
+  for (int i = 0; static_cast<std::int64_t>(text.size()) < bytes; ++i) {
+    const std::string number = std::to_string(i);
+    text += "STATION \"station number " + number +
+            "\"\n  width: 12.5cm\n  title: de: \"Arbeitsplatz " + number + "\"\n  visible\n";
+    if (has_expressions) text += "  area: (w * h + " + number + ")\n";
+    text += "  {\n    SLOT \"left\" size: 3cm count: " + number +
+            "\n    SLOT \"right\" size: 4.5cm label: \"the other\"\n  }\n";
+  }
+  return String(text);
+}
+
 // One body in the other.
 String NestedText(std::int64_t depth) {
   std::string text;
@@ -31,31 +50,103 @@ String NestedText(std::int64_t depth) {
   return String(text);
 }
 
-std::int64_t Walk(const IxoMepParser& parser) {
-  std::int64_t found = 0;
-  const IxoMepParser* level = &parser;
-  while (level != nullptr) {
-    const IxoMepParser* inner = nullptr;
-    for (std::int32_t i = 0; i < level->GetElemCount(); ++i) {
-      found += 1 + level->GetAttrCount(i);
-      if (inner == nullptr) inner = level->GetBodyParser(i);
-    }
-    level = inner;
-  }
-  return found;
-}
+// A walk over all elements at all depths. It asks for keywords, for the names, modifiers and value
+// types of all attributes, for all bodies, and, if wished, for the values of all strings, integers
+// and measures by the names of their attributes.
+class Walk {
+ public:
+  explicit Walk(bool asks_for_values) : asks_for_values_(asks_for_values) {}
 
-void ReadWalkFree(benchmark::State& state, const String& text) {
+  std::int64_t Over(IxoMepParser& parser) {
+    levels_.push_back({&parser, 0});
+    while (!levels_.empty()) {
+      Level& level = levels_.back();
+      if (level.parser->SetCurElemIndex(level.next)) {
+        Visit(*level.parser, level.next++);
+      } else {
+        levels_.pop_back();
+      }
+    }
+    return found_;
+  }
+
+ private:
+  struct Level {
+    IxoMepParser* parser;
+    std::int32_t next;
+  };
+
+  void Visit(IxoMepParser& parser, std::int32_t index) {
+    found_ += parser.GetKeyword(index).Len() + static_cast<int>(parser.GetValueType());
+    if (asks_for_values_) found_ += parser.GetStrValue().Len();
+    const std::int32_t count = parser.GetAttrCount();
+    IxoMepParser* const body = parser.GetBodyParser();
+    for (std::int32_t i = 0; i < count; ++i) {
+      const String name = parser.GetAttrNameOfPos(i);
+      found_ += name.Len() + parser.GetModifierOfPos(i).Len();
+      const IxoMepValueType type = parser.GetValueTypeOfPos(i);
+      found_ += static_cast<int>(type);
+      if (asks_for_values_) AskForValue(parser, name, type);
+      if (type != IxoMepValueType::Undefined) continue;
+      if (IxoMepParser* inner = parser.GetBodyParserOfPos(i)) levels_.push_back({inner, 0});
+    }
+    if (body != nullptr) levels_.push_back({body, 0});
+  }
+
+  void AskForValue(const IxoMepParser& parser, const String& name, IxoMepValueType type) {
+    if (type == IxoMepValueType::String) {
+      found_ += parser.GetStrValue(name).Len();
+    } else if (type == IxoMepValueType::Measure) {
+      found_ += parser.GetValueTMM(name);
+    } else if (type == IxoMepValueType::Integer) {
+      found_ += parser.GetIntValue(name);
+    }
+  }
+
+  bool asks_for_values_;
+  std::int64_t found_ = 0;
+  std::vector<Level> levels_;
+};
+
+void ReadWalkFree(benchmark::State& state, const String& text, bool asks_for_values = false) {
+  std::size_t most = 0;
+  const std::size_t before = ixomep::MemoryBudget::InUse();
   for (auto _ : state) {
     IxoMepParser parser(text, "bench");
     if (parser.Parse() != IMEPERR_NONE) state.SkipWithError(parser.GetErrorText().c_str());
-    benchmark::DoNotOptimize(Walk(parser));
+    benchmark::DoNotOptimize(Walk(asks_for_values).Over(parser));
+    most = std::max(most, ixomep::MemoryBudget::InUse() - before);
   }
   state.SetBytesProcessed(state.iterations() * text.Len());
+  state.counters["of_text"] = static_cast<double>(most) / text.Len();
+}
+
+void Sizes(benchmark::internal::Benchmark* benchmark) {
+  for (const std::int64_t size : {64'000, 1'000'000, 5'000'000, 16'000'000, 48'000'000}) {
+    benchmark->Arg(size);
+  }
 }
 
 void Flat(benchmark::State& state) { ReadWalkFree(state, FlatText(state.range(0))); }
-BENCHMARK(Flat)->RangeMultiplier(4)->Range(kMegabyte / 16, 16 * kMegabyte)->UseRealTime();
+BENCHMARK(Flat)->Apply(Sizes);
+
+void FlatWithValues(benchmark::State& state) {
+  ReadWalkFree(state, FlatText(state.range(0)), /*asks_for_values=*/true);
+}
+BENCHMARK(FlatWithValues)->Arg(5 * kMegabyte);
+
+void Mixed(benchmark::State& state) { ReadWalkFree(state, MixedText(state.range(0), false)); }
+BENCHMARK(Mixed)->Apply(Sizes);
+
+void MixedWithValues(benchmark::State& state) {
+  ReadWalkFree(state, MixedText(state.range(0), false), /*asks_for_values=*/true);
+}
+BENCHMARK(MixedWithValues)->Arg(5 * kMegabyte);
+
+void MixedWithExpressions(benchmark::State& state) {
+  ReadWalkFree(state, MixedText(state.range(0), true));
+}
+BENCHMARK(MixedWithExpressions)->Arg(5 * kMegabyte);
 
 // The texts have about one size; what differs is how deep their bodies stand.
 void Nested(benchmark::State& state) {
@@ -64,7 +155,7 @@ void Nested(benchmark::State& state) {
   while (text.Len() < kMegabyte) text += one;
   ReadWalkFree(state, text);
 }
-BENCHMARK(Nested)->RangeMultiplier(10)->Range(1, 10'000)->UseRealTime();
+BENCHMARK(Nested)->RangeMultiplier(10)->Range(1, 10'000);
 
 }  // namespace
 

@@ -33,6 +33,14 @@ std::size_t LineCommentEnd(std::string_view text, std::size_t position, std::siz
   return static_cast<std::size_t>(static_cast<const char*>(feed) - text.data());
 }
 
+std::size_t SkipUnit(std::string_view text, std::size_t position, std::size_t end) noexcept {
+  const char byte = text[position];
+  if (byte == '"') return StringEnd(text, position, end);
+  if (byte == '#') return LineCommentEnd(text, position, end);
+  if (OpensComment(text, position, end)) return BlockCommentEnd(text, position, end);
+  return position;
+}
+
 std::int32_t CountLineFeeds(std::string_view text, std::size_t from, std::size_t to) noexcept {
   return static_cast<std::int32_t>(std::count(text.begin() + static_cast<std::ptrdiff_t>(from),
                                               text.begin() + static_cast<std::ptrdiff_t>(to),

@@ -81,6 +81,9 @@ std::size_t BlockCommentEnd(std::string_view text, std::size_t position, std::si
 // At the line feed that ends the "#" comment at the position, or `end`.
 std::size_t LineCommentEnd(std::string_view text, std::size_t position, std::size_t end) noexcept;
 
+// Behind the string or comment at the position; the position itself when neither opens there.
+std::size_t SkipUnit(std::string_view text, std::size_t position, std::size_t end) noexcept;
+
 // The number of line feeds in a stretch.
 std::int32_t CountLineFeeds(std::string_view text, std::size_t from, std::size_t to) noexcept;
 

@@ -136,6 +136,7 @@ class Writer {
     Level& level = levels_.back();
     const IxoMepElement* const element = MakeCurrent(*level.parser, level.next++);
     if (element == nullptr) {
+      if (level.next < level.parser->GetElemCount()) throw std::bad_alloc();
       levels_.pop_back();
       if (!levels_.empty()) WriteEnd(*levels_.back().parser->GetCurElement());
       return;

@@ -32,7 +32,9 @@ class BodyTeardown {
   inline static bool running_ = false;
 };
 
-void BodyDeleter::operator()(IxoMepParser* body) const noexcept { BodyTeardown::Destroy(body); }
+void BodyDeleter::operator()(IxoMepParser* body) const noexcept {
+  if (!is_borrowed) BodyTeardown::Destroy(body);
+}
 
 namespace {
 

@@ -17,11 +17,13 @@ class IxoMepParser;
 class IxoMepValue;
 
 namespace ixomep {
+class Document;
 class Grammar;
 
 // Frees a body parser. Bodies nest as deep as a text likes: while one is being destroyed, those
 // inside it are queued instead of destroyed in the depth of the native stack.
 struct BodyDeleter {
+  bool is_borrowed = false;  // belongs to a document
   void operator()(IxoMepParser* body) const noexcept;
 };
 using BodyPtr = std::unique_ptr<IxoMepParser, BodyDeleter>;
@@ -50,6 +52,7 @@ class IXOMEP_API IxoMepAttribute {
   IxoMepParser* GetBodyParser() const noexcept { return body_.get(); }
 
  private:
+  friend class ixomep::Document;
   friend class ixomep::Grammar;
 
   String name_;
@@ -92,6 +95,7 @@ class IXOMEP_API IxoMepElement {
   IxoMepAttribute* FindAttr(std::string_view name) const noexcept;
 
  private:
+  friend class ixomep::Document;
   friend class ixomep::Grammar;
 
   std::unique_ptr<IxoMepValue> value_;

@@ -2,6 +2,7 @@
 // source; and the line read back out of such a text.
 #include "ixomep/host/numbers.h"
 #include "ixomep/host/res_id.h"
+#include "ixomep/parser/element_view.h"
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 #include "ixomep/parser/spliced_text.h"
@@ -36,7 +37,7 @@ void IxoMepParser::AppendContextInfo(std::int32_t offset) {
 // Meant: a text of one line gets its line number here.
 void IxoMepParser::MakeErrorText(String& text) const {
   const String block = ixomep::OrNeutral(String(), [&] {
-    const ixomep::TextPlace place = FindPlace(current_->GetStartOffset());
+    const ixomep::TextPlace place = FindPlace(CurrentView().StartOffset());
     return ContextBlock(place.line, place.context);
   });
   text = ixomep::OrNeutral(text, [&] { return text + block; });

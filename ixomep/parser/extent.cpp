@@ -24,15 +24,6 @@ constexpr char CloserOf(char opener) noexcept {
   return opener == '(' ? ')' : opener == '[' ? ']' : '}';
 }
 
-// Behind the string or comment at the position; the position itself when neither opens there.
-std::size_t SkipUnit(std::string_view text, std::size_t position, std::size_t end) noexcept {
-  const char byte = text[position];
-  if (byte == '"') return StringEnd(text, position, end);
-  if (byte == '#') return LineCommentEnd(text, position, end);
-  if (OpensComment(text, position, end)) return BlockCommentEnd(text, position, end);
-  return position;
-}
-
 }  // namespace
 
 BracketExtent FindBracketEnd(std::string_view text, std::size_t from, char opener,

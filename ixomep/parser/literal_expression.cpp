@@ -1,6 +1,7 @@
 // Bracketed and braced literals: the extent is cut out, compiled by an expression object and
 // folded at once; what needs names that nobody knows yet stays an expression value.
 #include <memory>
+#include <utility>
 
 #include "ixomep/expr/error_place.h"
 #include "ixomep/expr/expression_parser.h"
@@ -13,11 +14,24 @@
 namespace ixomep {
 namespace {
 
+ValuePtr TakeFolded(LiteralContext& context) {
+  FoldedLiteral& literal = context.folded->front();
+  ValuePtr value = std::move(literal.value);
+  context.code = literal.code;
+  if (literal.code != IMEPERR_NONE) context.error_text = literal.error_text;
+  context.folded->pop_front();
+  return value;
+}
+
 // Compiles and folds; `source_start` is where the source stands in the text being read.
 ValuePtr Fold(std::string_view source, std::size_t source_start, LiteralContext& context) {
   if (!StackGuard::HasRoom()) {
     context.code = Raise(context.error_text, IMEPERR_TOO_DEEP);
     return nullptr;
+  }
+  if (context.folded != nullptr && !context.folded->empty() &&
+      context.folded->front().at == source_start) {
+    return TakeFolded(context);
   }
   std::unique_ptr<IxoMepExpressionParser> expression = NewExpression(context.parser);
   context.code = expression->SetExpression(String(source), context.error_text);

@@ -213,6 +213,26 @@ ValuePtr ReadNumber(const LiteralText& text, std::size_t& position, IxoMepErrorE
   return value;
 }
 
+double NumberOfPlainMeasure(std::string_view literal) noexcept {
+  const bool is_negative = literal.front() == '-';
+  std::size_t position = is_negative ? 1 : 0;
+  double real = 0.0;
+  for (; Is(literal[position], kDigit); ++position) real = real * 10.0 + (literal[position] - '0');
+  const double whole = real;
+  const bool has_fraction = literal[position] == '.';
+  if (has_fraction) {
+    double factor = 1.0;
+    for (++position; Is(literal[position], kDigit); ++position) {
+      factor *= 0.1;
+      real += (literal[position] - '0') * factor;
+    }
+  }
+  real *= FindUnit(literal.substr(position))->factor;
+  // An integer has no negative zero.
+  const bool is_zero_integer = !has_fraction && real == whole && whole == 0.0;
+  return is_negative && !is_zero_integer ? -real : real;
+}
+
 ValuePtr ReadTime(const LiteralText& text, std::size_t& position) {
   const std::string_view bytes = text.bytes;
   if (bytes.size() - position < kTimeLength) return nullptr;

@@ -28,6 +28,10 @@ struct LiteralText {
 ValuePtr ReadNumber(const LiteralText& text, std::size_t& position, IxoMepErrorEnum& code,
                     String& error_text);
 
+// The number of a plain measure or span of time: a sign, up to nine digits, a fraction and a unit,
+// all but digits and unit optional. What ReadNumber gives for it, without a value of its own.
+double NumberOfPlainMeasure(std::string_view literal) noexcept;
+
 // Reads a time, 15 characters in the host's layout; null, and nothing changed, when none stands
 // at the position.
 ValuePtr ReadTime(const LiteralText& text, std::size_t& position);

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "ixomep/parser/folded.h"
 #include "ixomep/parser/literal_number.h"
 
 class IxoMepExpressionParser;
@@ -23,6 +24,7 @@ struct LiteralContext {
   String error_text;
   // Where in the text an expression's syntax error stands; kNoPlace for other failures.
   std::size_t error_place = kNoPlace;
+  FoldedLiterals* folded = nullptr;  // evaluated already
 
   static constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
 };

@@ -5,18 +5,17 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <typeinfo>
 
 #include "ixomep/expr/expression_parser.h"
+#include "ixomep/parser/converter.h"
+#include "ixomep/parser/document.h"
+#include "ixomep/parser/document_scanner.h"
+#include "ixomep/parser/element_view.h"
 #include "ixomep/parser/reader.h"
 #include "ixomep/parser/spliced_text.h"
 
 namespace {
-
-// The current element of a parser that has none.
-IxoMepElement* EmptyElement() noexcept {
-  static IxoMepElement empty;
-  return &empty;
-}
 
 String LabelOf(const String& name, const String& kind) noexcept {
   try {
@@ -41,7 +40,7 @@ IxoMepParser::IxoMepParser(const String& text, std::int32_t start, std::int32_t 
       length_(std::clamp(length, 0, text.Len() - start_)),
       first_line_(firstLine),
       context_(context),
-      current_(EmptyElement()),
+      current_(ixomep::EmptyElement()),
       error_context_(context) {
   Init();
 }
@@ -54,7 +53,7 @@ IxoMepParser::IxoMepParser(const IxoMepParser& outer, std::int32_t start, std::i
       length_(length),
       first_line_(first_line),
       context_(outer.context_),
-      current_(EmptyElement()),
+      current_(ixomep::EmptyElement()),
       filename_stack_(outer.filename_stack_),
       is_body_(true),
       error_context_(outer.context_) {
@@ -62,6 +61,23 @@ IxoMepParser::IxoMepParser(const IxoMepParser& outer, std::int32_t start, std::i
     splices_ = std::make_unique<ixomep::Splices>(outer);
   }
 }
+
+IxoMepParser::IxoMepParser(const ixomep::Document& document,
+                           const ixomep::BodyRecord& body) noexcept
+    : text_(document.Text()),
+      start_(static_cast<std::int32_t>(body.start)),
+      length_(static_cast<std::int32_t>(body.end - body.start)),
+      first_line_(0),
+      context_(document.Context()),
+      records_(&document),
+      first_record_(body.first),
+      record_count_(body.count),
+      has_loose_record_(body.has_loose),
+      current_index_(body.count != 0 ? 0 : -1),
+      current_(body.count != 0 || body.has_loose ? nullptr : ixomep::EmptyElement()),
+      filename_stack_(document.FilenameStack()),
+      is_body_(true),
+      error_context_(document.Context()) {}
 
 IxoMepParser::~IxoMepParser() = default;
 
@@ -77,9 +93,11 @@ IxoMepExpressionParser* IxoMepParser::NewExprParser() {
 void IxoMepParser::SetText(const String& text) {
   // It may belong to an element that goes.
   const String taken = text;  // NOLINT(performance-unnecessary-copy-initialization)
+  ForgetRecords();
   SetCurrent(nullptr, -1);
   elements_.clear();
   loose_.reset();
+  document_.reset();
   is_body_ = false;
   splices_.reset();
   text_ = taken;
@@ -88,17 +106,59 @@ void IxoMepParser::SetText(const String& text) {
   Init();
 }
 
-IxoMepErrorEnum IxoMepParser::Parse() { return Parse(start_, length_, first_line_); }
+IxoMepErrorEnum IxoMepParser::Parse() {
+  try {
+    MakeAll();
+  } catch (const std::exception&) {
+    return NoteNoMemory();
+  }
+  return Parse(start_, length_, first_line_);
+}
+
+// For a whole text and the classes whose factories are known to make nothing of their own.
+bool IxoMepParser::ReadQuickly(std::int32_t start, std::int32_t length, std::int32_t first_line,
+                               ixomep::FoldedLiterals& folded) {
+  const bool is_plain =
+      typeid(*this) == typeid(IxoMepParser) || typeid(*this) == typeid(IxoMepConverter);
+  if (!is_plain || !ixomep::QuickReading::IsOn() || is_body_ || splices_ != nullptr ||
+      !elements_.empty() || length != text_.Len() - start) {
+    return false;
+  }
+  try {
+    auto document = std::make_unique<ixomep::Document>(text_, static_cast<std::uint32_t>(start),
+                                                       first_line > 0 ? first_line : 1, context_,
+                                                       filename_stack_);
+    ixomep::DocumentScanner scanner(*document);
+    if (!scanner.Read(folded)) return false;
+    include_shift_ = 0;
+    document_ = std::move(document);
+    if (scanner.Count() == 0) return true;
+    records_ = document_.get();
+    first_record_ = scanner.First();
+    record_count_ = scanner.Count();
+    current_index_ = 0;
+    current_ = nullptr;
+    return true;
+  } catch (const std::exception&) {
+    return false;  // the Grammar says where the memory ends
+  }
+}
 
 IxoMepErrorEnum IxoMepParser::Parse(std::int32_t start, std::int32_t length,
                                     std::int32_t first_line) {
   try {
     error_text_.Clear();
     NoteError(IMEPERR_NONE, -1);
-    return ixomep::Grammar().Read(*this, start, length, first_line);
+    ixomep::FoldedLiterals folded;
+    if (ReadQuickly(start, length, first_line, folded)) return IMEPERR_NONE;
+    return ixomep::Grammar(&folded).Read(*this, start, length, first_line);
   } catch (const std::exception&) {
-    error_code_ = IMEPERR_TOO_DEEP;
+    return NoteNoMemory();
   }
+}
+
+IxoMepErrorEnum IxoMepParser::NoteNoMemory() noexcept {
+  error_code_ = IMEPERR_TOO_DEEP;
   try {
     MakeErrorText(IMEPERR_TOO_DEEP, -1);
   } catch (const std::exception&) {
@@ -141,7 +201,7 @@ ixomep::TextPlace IxoMepParser::FindPlace(std::int32_t offset) const {
 }
 
 void IxoMepParser::SetCurrent(IxoMepElement* element, std::int32_t index) noexcept {
-  current_ = element != nullptr ? element : EmptyElement();
+  current_ = element != nullptr ? element : ixomep::EmptyElement();
   current_index_ = index;
 }
 

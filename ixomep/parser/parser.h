@@ -6,6 +6,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <vector>
@@ -22,7 +23,12 @@ class IxoMepValueSet;
 
 namespace ixomep {
 class BodyTeardown;
+class Document;
+class ElementView;
 class Splices;
+class ValueView;
+struct BodyRecord;
+struct FoldedLiteral;
 struct TextPlace;
 }  // namespace ixomep
 
@@ -79,12 +85,13 @@ class IXOMEP_API IxoMepParser {
   // The element as written, up to the next element or the end of the stretch.
   String GetElemText(std::int32_t index) const;
   // The element at an index; the current element (never null: an empty one when none is current).
-  // Borrowed.
+  // Borrowed; at one address until SetText or the parser's end. Most elements become objects when
+  // they are first asked for: without the memory for one it counts as missing.
   const IxoMepElement* GetElement(std::int32_t index) const noexcept;
-  const IxoMepElement* GetCurElement() const noexcept { return current_; }
+  const IxoMepElement* GetCurElement() const noexcept;
   // The attributes of a braced body that stand before its first element; null when there are
   // none. Without any element they are current, and the queries without an index speak of them.
-  const IxoMepElement* GetLooseAttributes() const noexcept { return loose_.get(); }
+  const IxoMepElement* GetLooseAttributes() const noexcept;
 
   // Without an index these speak of the current element.
   std::int32_t GetAttrCount() const;
@@ -203,6 +210,8 @@ class IXOMEP_API IxoMepParser {
 
  private:
   friend class ixomep::BodyTeardown;
+  friend class ixomep::Document;
+  friend class ixomep::ElementView;
   friend class ixomep::Grammar;
   friend class ixomep::Splices;
 
@@ -212,7 +221,29 @@ class IXOMEP_API IxoMepParser {
   // that includes have changed.
   IxoMepParser(const IxoMepParser& outer, std::int32_t start, std::int32_t length,
                std::int32_t first_line);
+  // The same for the records of a body; it belongs to the document.
+  IxoMepParser(const ixomep::Document& document, const ixomep::BodyRecord& body) noexcept;
   IxoMepErrorEnum Parse(std::int32_t start, std::int32_t length, std::int32_t first_line);
+  // Code 38 with its text, for memory that cannot be had.
+  IxoMepErrorEnum NoteNoMemory() noexcept;
+  // Makes records of the text and, when that succeeds, takes them for the elements.
+  bool ReadQuickly(std::int32_t start, std::int32_t length, std::int32_t first_line,
+                   std::deque<ixomep::FoldedLiteral>& folded);
+
+  // The elements as objects (objects.cpp). Null when out of range or without the memory.
+  IxoMepElement* ElementAt(std::int32_t index) const noexcept;
+  IxoMepElement* Loose() const noexcept;
+  IxoMepElement& Current() const noexcept;
+  // Makes all that are not yet, and forgets the records. May throw std::bad_alloc.
+  void MakeAll();
+  void ForgetRecords() noexcept;
+  // An element, made or not; none when out of range.
+  ixomep::ElementView ViewAt(std::int32_t index) const noexcept;
+  ixomep::ElementView CurrentView() const noexcept;
+  // The stored value of the current element, of its attribute with the name or at the position.
+  ixomep::ValueView OwnValue() const noexcept;
+  ixomep::ValueView NamedValue(const String& name) const noexcept;
+  ixomep::ValueView ValueAt(std::int32_t pos) const noexcept;
 
   // The names of the files being included, innermost first (include.cpp).
   void PushFilename(const String& name);
@@ -244,11 +275,13 @@ class IXOMEP_API IxoMepParser {
                              std::unique_ptr<IxoMepValue>& evaluated) const;
   // Stores what convert makes of the resolved value; false, and out unchanged, when it is missing.
   template <class Out, class Convert>
-  bool Read(const IxoMepValue* stored, Out& out, Convert convert) const;
+  bool Read(const ixomep::ValueView& stored, Out& out, Convert convert) const;
   bool GetOwnBoolValue(bool missing) const;
+  // The type of the resolved value.
+  IxoMepValueType TypeOf(const ixomep::ValueView& stored) const;
   // The work of ExpectValueType; attribute is its name in the error text, null for the own value.
-  IxoMepErrorEnum Expect(const IxoMepValue* stored, const String* attribute, IxoMepValueType type,
-                         bool allow_missing);
+  IxoMepErrorEnum Expect(const ixomep::ValueView& stored, const String* attribute,
+                         IxoMepValueType type, bool allow_missing);
 
   // The texts of files with repository names, for all parsers of the process (include.cpp).
   static std::map<String, String> m_aIncludeCache;
@@ -260,16 +293,25 @@ class IXOMEP_API IxoMepParser {
   std::int32_t include_shift_ = 0;  // by how much includes moved the text behind the reader
   String context_;
   mutable String error_text_;  // also the sink of evaluations made by queries
-  std::vector<std::unique_ptr<IxoMepElement>> elements_;
+  // The records that the elements were read into, and which of them are this parser's; no document
+  // when all elements are objects. The outermost parser owns the document.
+  std::unique_ptr<ixomep::Document> document_;
+  const ixomep::Document* records_ = nullptr;
+  std::uint32_t first_record_ = 0;
+  std::uint32_t record_count_ = 0;
+  bool has_loose_record_ = false;  // the record before the first one
+  // With records: empty, or null where no object has been asked for.
+  mutable std::vector<std::unique_ptr<IxoMepElement>> elements_;
   std::int32_t current_index_ = -1;
-  IxoMepElement* current_;  // never null: a shared empty element when none is current
+  // A shared empty element when none is current; null when it is one that is no object yet.
+  mutable IxoMepElement* current_;
   IxoMepValueSet* vars_ = nullptr;
   String filename_stack_;
   bool use_include_cache_ = false;
 
   // Beside the text: what stands before the first element of a body, the last error, includes.
   bool is_body_ = false;
-  std::unique_ptr<IxoMepElement> loose_;
+  mutable std::unique_ptr<IxoMepElement> loose_;
   IxoMepErrorEnum error_code_ = IMEPERR_NONE;
   std::int32_t error_offset_ = -1;
   std::int32_t error_line_ = 0;

@@ -3,31 +3,36 @@
 #include <algorithm>
 
 #include "ixomep/expr/expression_parser.h"
+#include "ixomep/parser/element_view.h"
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 
+using ixomep::AttributeView;
+using ixomep::ElementView;
+using ixomep::OrNeutral;
+
 namespace {
 
-String NameOf(const IxoMepAttribute* attribute) noexcept {
-  return attribute != nullptr ? attribute->GetName() : String();
+String NameOf(const AttributeView& attribute) noexcept {
+  return OrNeutral(String(), [&] { return attribute ? attribute.Name() : String(); });
 }
 
-String ModifierOf(const IxoMepAttribute* attribute) noexcept {
-  return attribute != nullptr ? attribute->GetModifier() : String();
+String ModifierOf(const AttributeView& attribute) noexcept {
+  return OrNeutral(String(), [&] { return attribute ? attribute.Modifier() : String(); });
+}
+
+template <class View>
+IxoMepParser* BodyOf(const View& view) noexcept {
+  return OrNeutral<IxoMepParser*>(nullptr, [&] { return view ? view.Body() : nullptr; });
 }
 
 IxoMepValue* ValueOf(const IxoMepAttribute* attribute) noexcept {
   return attribute != nullptr ? attribute->GetValue() : nullptr;
 }
 
-IxoMepParser* BodyOf(const IxoMepAttribute* attribute) noexcept {
-  return attribute != nullptr ? attribute->GetBodyParser() : nullptr;
-}
-
 IxoMepExpressionParser* CopyOf(const IxoMepExpressionParser* expression) noexcept {
   if (expression == nullptr) return nullptr;
-  return ixomep::OrNeutral<IxoMepExpressionParser*>(nullptr,
-                                                    [&] { return expression->CreateCopy(); });
+  return OrNeutral<IxoMepExpressionParser*>(nullptr, [&] { return expression->CreateCopy(); });
 }
 
 IxoMepExpressionParser* CopyOfExpression(const IxoMepValue* value) noexcept {
@@ -39,110 +44,118 @@ IxoMepExpressionParser* CopyOfExpression(const IxoMepValue* value) noexcept {
 // --- Elements ---------------------------------------------------------------------------------
 
 std::int32_t IxoMepParser::GetElemCount() const noexcept {
-  return static_cast<std::int32_t>(elements_.size());
+  return records_ != nullptr ? static_cast<std::int32_t>(record_count_)
+                             : static_cast<std::int32_t>(elements_.size());
 }
 
 std::int32_t IxoMepParser::GetCurElemIndex() const noexcept { return current_index_; }
 
 bool IxoMepParser::SetCurElemIndex(std::int32_t index) {
   if (index < 0 || index >= GetElemCount()) return false;
-  SetCurrent(elements_[static_cast<std::size_t>(index)].get(), index);
+  current_index_ = index;
+  current_ = elements_.empty() ? nullptr : elements_[static_cast<std::size_t>(index)].get();
   return true;
 }
 
 const IxoMepElement* IxoMepParser::GetElement(std::int32_t index) const noexcept {
-  if (index < 0 || index >= GetElemCount()) return nullptr;
-  return elements_[static_cast<std::size_t>(index)].get();
+  return ElementAt(index);
 }
 
+const IxoMepElement* IxoMepParser::GetCurElement() const noexcept { return &Current(); }
+
+const IxoMepElement* IxoMepParser::GetLooseAttributes() const noexcept { return Loose(); }
+
 String IxoMepParser::GetKeyword(std::int32_t index) const {
-  const IxoMepElement* const element = GetElement(index);
-  return element != nullptr ? element->GetKeyword() : String();
+  const ElementView element = ViewAt(index);
+  return OrNeutral(String(), [&] { return element ? element.Keyword() : String(); });
 }
 
 String IxoMepParser::GetElemText(std::int32_t index) const {
-  const IxoMepElement* const element = GetElement(index);
-  if (element == nullptr) return String();
-  const std::int32_t start = element->GetStartOffset();
-  const IxoMepElement* const next = GetElement(index + 1);
+  const ElementView element = ViewAt(index);
+  if (!element) return String();
+  const std::int32_t start = element.StartOffset();
+  const ElementView next = ViewAt(index + 1);
   // The elements of a second Parse start again from the front of the text.
-  const bool ends_at_next = next != nullptr && next->GetStartOffset() > start;
-  const std::int32_t end = ends_at_next ? next->GetStartOffset() : start_ + length_;
+  const bool ends_at_next = next && next.StartOffset() > start;
+  const std::int32_t end = ends_at_next ? next.StartOffset() : start_ + length_;
   return CopyText(start, std::max(end - start, 0));
 }
 
 // --- Attributes -------------------------------------------------------------------------------
 
-std::int32_t IxoMepParser::GetAttrCount() const { return current_->GetAttrCount(); }
+std::int32_t IxoMepParser::GetAttrCount() const { return CurrentView().AttrCount(); }
 
 std::int32_t IxoMepParser::GetAttrCount(std::int32_t index) const {
-  const IxoMepElement* const element = GetElement(index);
-  return element != nullptr ? element->GetAttrCount() : 0;
+  const ElementView element = ViewAt(index);
+  return element ? element.AttrCount() : 0;
 }
 
 String IxoMepParser::GetAttrNameOfPos(std::int32_t pos) const {
-  return NameOf(current_->GetAttr(pos));
+  return NameOf(CurrentView().Attr(pos));
 }
 
 String IxoMepParser::GetAttrNameOfPos(std::int32_t index, std::int32_t pos) const {
-  const IxoMepElement* const element = GetElement(index);
-  return element != nullptr ? NameOf(element->GetAttr(pos)) : String();
+  const ElementView element = ViewAt(index);
+  return element ? NameOf(element.Attr(pos)) : String();
 }
 
 String IxoMepParser::GetModifierOfPos(std::int32_t pos) const {
-  return ModifierOf(current_->GetAttr(pos));
+  return ModifierOf(CurrentView().Attr(pos));
 }
 
 String IxoMepParser::GetModifierOfPos(std::int32_t index, std::int32_t pos) const {
-  const IxoMepElement* const element = GetElement(index);
-  return element != nullptr ? ModifierOf(element->GetAttr(pos)) : String();
+  const ElementView element = ViewAt(index);
+  return element ? ModifierOf(element.Attr(pos)) : String();
 }
 
 bool IxoMepParser::IsContained(const String& name) const {
-  return current_->FindAttr(name) != nullptr;
+  return static_cast<bool>(CurrentView().FindAttr(name));
 }
 
 bool IxoMepParser::IsContained(std::int32_t index, const String& name) const {
-  const IxoMepElement* const element = GetElement(index);
-  return element != nullptr && element->FindAttr(name) != nullptr;
+  const ElementView element = ViewAt(index);
+  return element && element.FindAttr(name);
 }
 
 String IxoMepParser::GetModifier(const String& name) const {
-  return ModifierOf(current_->FindAttr(name));
+  return ModifierOf(CurrentView().FindAttr(name));
 }
 
 bool IxoMepParser::GetModifier(const String& name, String& modifier) const {
-  const IxoMepAttribute* const attribute = current_->FindAttr(name);
-  if (attribute == nullptr) return false;
-  modifier = attribute->GetModifier();
+  const AttributeView attribute = CurrentView().FindAttr(name);
+  if (!attribute) return false;
+  modifier = ModifierOf(attribute);
   return true;
 }
 
 // --- Stored values, bodies, expression objects --------------------------------------------------
 
-IxoMepValue* IxoMepParser::GetValue() const { return current_->GetValue(); }
+IxoMepValue* IxoMepParser::GetValue() const {
+  return CurrentView().HasValue() ? Current().GetValue() : nullptr;
+}
 
 IxoMepValue* IxoMepParser::GetValue(const String& name) const {
-  return ValueOf(current_->FindAttr(name));
+  const AttributeView attribute = CurrentView().FindAttr(name);
+  return attribute && attribute.HasValue() ? ValueOf(Current().FindAttr(name)) : nullptr;
 }
 
 IxoMepValue* IxoMepParser::GetValueOfPos(std::int32_t pos) const {
-  return ValueOf(current_->GetAttr(pos));
+  const AttributeView attribute = CurrentView().Attr(pos);
+  return attribute && attribute.HasValue() ? ValueOf(Current().GetAttr(pos)) : nullptr;
 }
 
-IxoMepParser* IxoMepParser::GetBodyParser() const { return current_->GetBodyParser(); }
+IxoMepParser* IxoMepParser::GetBodyParser() const { return BodyOf(CurrentView()); }
 
 IxoMepParser* IxoMepParser::GetBodyParser(const String& name) const {
-  return BodyOf(current_->FindAttr(name));
+  return BodyOf(CurrentView().FindAttr(name));
 }
 
 IxoMepParser* IxoMepParser::GetBodyParser(std::int32_t index) const {
-  const IxoMepElement* const element = GetElement(index);
-  return element != nullptr ? element->GetBodyParser() : nullptr;
+  return BodyOf(ViewAt(index));
 }
 
 IxoMepParser* IxoMepParser::GetBodyParserOfPos(std::int32_t pos) const {
-  return BodyOf(current_->GetAttr(pos));
+  return BodyOf(CurrentView().Attr(pos));
 }
 
 IxoMepExpressionParser* IxoMepParser::CreateExprParserCopy() const {
@@ -158,6 +171,6 @@ IxoMepExpressionParser* IxoMepParser::CreateExprParserCopyOfPos(std::int32_t pos
 }
 
 IxoMepExpressionParser* IxoMepParser::GetArrayLValueCopyOfPos(std::int32_t pos) const {
-  const IxoMepAttribute* const attribute = current_->GetAttr(pos);
+  const IxoMepAttribute* const attribute = Current().GetAttr(pos);
   return CopyOf(attribute != nullptr ? attribute->GetArrayLValue() : nullptr);
 }

@@ -115,10 +115,10 @@ bool IxoMepParser::GetColor(const String& colorName, const String& redName, cons
                             const String& blueName, Color& color) const {
   return ixomep::OrNeutral(false, [&] {
     ixomep::ValuePtr evaluated;
-    if (const IxoMepAttribute* attribute = current_->FindAttr(colorName)) {
+    if (const IxoMepAttribute* attribute = Current().FindAttr(colorName)) {
       return GetColor(Resolve(attribute->GetValue(), evaluated), color);
     }
-    const Components components = FindComponents(*current_, redName, greenName, blueName);
+    const Components components = FindComponents(Current(), redName, greenName, blueName);
     if (!HasAny(components)) return false;
     std::array<std::int32_t, 3> parts{};
     for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -132,7 +132,7 @@ bool IxoMepParser::GetColor(const String& colorName, const String& redName, cons
 }
 
 bool IxoMepParser::GetColor(Color& color) const {
-  const ComponentNames& names = DefaultNames(*current_);
+  const ComponentNames& names = DefaultNames(Current());
   return GetColor(kColor, names.red, names.green, names.blue, color);
 }
 
@@ -141,22 +141,22 @@ IxoMepExpressionParser* IxoMepParser::CreateColorEP(const String& colorName, con
                                                     const String& greenName,
                                                     const String& blueName) const {
   const auto create = [&]() -> IxoMepExpressionParser* {
-    if (const IxoMepAttribute* attribute = current_->FindAttr(colorName)) {
+    if (const IxoMepAttribute* attribute = Current().FindAttr(colorName)) {
       if (const auto* expression = ExpressionOf(attribute)) return expression->CreateCopy();
     } else {
-      const Components components = FindComponents(*current_, redName, greenName, blueName);
+      const Components components = FindComponents(Current(), redName, greenName, blueName);
       if (const auto* expression = FirstExpression(components)) {
-        return CreateCall(*current_, components, expression->GetLineNo());
+        return CreateCall(Current(), components, expression->GetLineNo());
       }
     }
     Color color;
     if (!GetColor(colorName, redName, greenName, blueName, color)) return nullptr;
-    return CreateConstant(*current_, color);
+    return CreateConstant(Current(), color);
   };
   return ixomep::OrNeutral<IxoMepExpressionParser*>(nullptr, create);
 }
 
 IxoMepExpressionParser* IxoMepParser::CreateColorEP() const {
-  const ComponentNames& names = DefaultNames(*current_);
+  const ComponentNames& names = DefaultNames(Current());
   return CreateColorEP(kColor, names.red, names.green, names.blue);
 }

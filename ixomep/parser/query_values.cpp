@@ -6,6 +6,7 @@
 
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/guarded.h"
+#include "ixomep/parser/element_view.h"
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 #include "ixomep/values/raise.h"
@@ -42,6 +43,16 @@ std::int32_t IntegerOfText(const IxoMepValue& value) {
   return ixomep::LeadingInteger(value.GetStr());
 }
 
+// The text of a plain string goes straight from the definition text into the result.
+bool TakePlainText(const ixomep::ValueView& stored, String& out) noexcept {
+  std::string_view text;
+  if (!stored.GetPlainText(text)) return false;
+  return ixomep::OrNeutral(false, [&] {
+    out = String(text);
+    return true;
+  });
+}
+
 bool Fits(Type expected, Type found) noexcept {
   const auto is_number = [](Type type) { return type == Type::Integer || type == Type::Real; };
   return expected == found || (is_number(expected) && is_number(found));
@@ -66,10 +77,11 @@ const IxoMepValue* IxoMepParser::Resolve(const IxoMepValue* stored,
 }
 
 template <class Out, class Convert>
-bool IxoMepParser::Read(const IxoMepValue* stored, Out& out, Convert convert) const {
+bool IxoMepParser::Read(const ixomep::ValueView& stored, Out& out, Convert convert) const {
   try {
+    IxoMepValue room;
     std::unique_ptr<IxoMepValue> evaluated;
-    const IxoMepValue* const value = Resolve(stored, evaluated);
+    const IxoMepValue* const value = Resolve(stored.Get(room), evaluated);
     if (value == nullptr) return false;
     out = std::invoke(convert, *value);
     return true;
@@ -80,48 +92,50 @@ bool IxoMepParser::Read(const IxoMepValue* stored, Out& out, Convert convert) co
 
 // --- Types --------------------------------------------------------------------------------------
 
-IxoMepValueType IxoMepParser::GetValueType() const {
+IxoMepValueType IxoMepParser::TypeOf(const ixomep::ValueView& stored) const {
   Type type = Type::Undefined;
-  Read(GetValue(), type, &IxoMepValue::GetType);
+  const bool is_final = stored.GetType(type) && type != Type::Reference &&
+                        (type != Type::Expression || vars_ == nullptr);
+  if (is_final) return type;
+  type = Type::Undefined;
+  Read(stored, type, &IxoMepValue::GetType);
   return type;
 }
 
+IxoMepValueType IxoMepParser::GetValueType() const { return TypeOf(OwnValue()); }
+
 IxoMepValueType IxoMepParser::GetValueType(const String& name) const {
-  Type type = Type::Undefined;
-  Read(GetValue(name), type, &IxoMepValue::GetType);
-  return type;
+  return TypeOf(NamedValue(name));
 }
 
 IxoMepValueType IxoMepParser::GetValueTypeOfPos(std::int32_t pos) const {
-  Type type = Type::Undefined;
-  Read(GetValueOfPos(pos), type, &IxoMepValue::GetType);
-  return type;
+  return TypeOf(ValueAt(pos));
 }
 
 IxoMepErrorEnum IxoMepParser::ExpectValueType(Type type, bool allowMissing) {
-  return Expect(GetValue(), nullptr, type, allowMissing);
+  return Expect(OwnValue(), nullptr, type, allowMissing);
 }
 
 IxoMepErrorEnum IxoMepParser::ExpectValueType(const String& name, Type type, bool allowMissing) {
-  return Expect(GetValue(name), &name, type, allowMissing);
+  return Expect(NamedValue(name), &name, type, allowMissing);
 }
 
 IxoMepErrorEnum IxoMepParser::ExpectValueTypeOfPos(std::int32_t pos, Type type, bool allowMissing) {
   const String name = GetAttrNameOfPos(pos);
-  return Expect(GetValueOfPos(pos), &name, type, allowMissing);
+  return Expect(ValueAt(pos), &name, type, allowMissing);
 }
 
-IxoMepErrorEnum IxoMepParser::Expect(const IxoMepValue* stored, const String* attribute, Type type,
-                                     bool allow_missing) {
+IxoMepErrorEnum IxoMepParser::Expect(const ixomep::ValueView& stored, const String* attribute,
+                                     Type type, bool allow_missing) {
   Type found = Type::Undefined;
   const bool is_there = Read(stored, found, &IxoMepValue::GetType);
   if (is_there ? Fits(type, found) : allow_missing) return IMEPERR_NONE;
 
   const IxoMepErrorEnum code = ixomep::Guarded(error_text_, [&] {
-    const String& keyword = current_->GetKeyword();
+    const String keyword = CurrentView().Keyword();
     const String shown =
         attribute != nullptr ? "\"" + *attribute + "\" (" + keyword + ")" : keyword;
-    MakeErrorText(IMEPERR_UNEXPECTED_TYPE, current_->GetStartOffset());
+    MakeErrorText(IMEPERR_UNEXPECTED_TYPE, CurrentView().StartOffset());
     // The name comes last: an indexed one may hold any text.
     ixomep::FillPlaceholder(error_text_, "%type1", IxoMepValue::GetTypeName(type));
     ixomep::FillPlaceholder(error_text_, "%type2", IxoMepValue::GetTypeName(found));
@@ -136,19 +150,22 @@ IxoMepErrorEnum IxoMepParser::Expect(const IxoMepValue* stored, const String* at
 
 std::unique_ptr<IxoMepValue> IxoMepParser::GetMapValue(const String& name) const {
   return ixomep::OrNeutral<ixomep::ValuePtr>(nullptr, [&]() -> ixomep::ValuePtr {
+    IxoMepValue room;
     ixomep::ValuePtr evaluated;
-    const IxoMepValue* const value = Resolve(GetValue(name), evaluated);
+    const IxoMepValue* const value = Resolve(NamedValue(name).Get(room), evaluated);
     if (value == nullptr) return nullptr;
     return evaluated != nullptr ? std::move(evaluated) : ixomep::MakeValue(*value);
   });
 }
 
 bool IxoMepParser::TryGetStrValue(String& value) const {
-  return Read(GetValue(), value, &IxoMepValue::GetStr);
+  const ixomep::ValueView stored = OwnValue();
+  return TakePlainText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
 }
 
 bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
-  return Read(GetValue(name), value, &IxoMepValue::GetStr);
+  const ixomep::ValueView stored = NamedValue(name);
+  return TakePlainText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
 }
 
 String IxoMepParser::GetStrValue() const {
@@ -164,12 +181,12 @@ String IxoMepParser::GetStrValue(const String& name) const {
 }
 
 bool IxoMepParser::TryGetIntValue(std::int32_t& value) const {
-  return Read(GetValue(), value, IntegerOfText);
+  return Read(OwnValue(), value, IntegerOfText);
 }
 
 bool IxoMepParser::TryGetIntValue(const String& name, std::int32_t& value) const {
   if (name.IsEmpty()) return TryGetIntValue(value);
-  return Read(GetValue(name), value, &IxoMepValue::GetInt);
+  return Read(NamedValue(name), value, &IxoMepValue::GetInt);
 }
 
 std::int32_t IxoMepParser::GetIntValue() const {
@@ -185,11 +202,11 @@ std::int32_t IxoMepParser::GetIntValue(const String& name) const {
 }
 
 bool IxoMepParser::TryGetRealValue(double& value) const {
-  return Read(GetValue(), value, &IxoMepValue::GetReal);
+  return Read(OwnValue(), value, &IxoMepValue::GetReal);
 }
 
 bool IxoMepParser::TryGetRealValue(const String& name, double& value) const {
-  return Read(GetValue(name), value, &IxoMepValue::GetReal);
+  return Read(NamedValue(name), value, &IxoMepValue::GetReal);
 }
 
 double IxoMepParser::GetRealValue() const {
@@ -206,52 +223,55 @@ double IxoMepParser::GetRealValue(const String& name) const {
 
 bool IxoMepParser::GetOwnBoolValue(bool missing) const {
   bool value = missing;
-  Read(GetValue(), value, IsTrue);
+  Read(OwnValue(), value, IsTrue);
   return value;
 }
 
 bool IxoMepParser::GetBoolValue(const String& name, bool missing) const {
-  const IxoMepAttribute* const attribute = current_->FindAttr(name);
-  if (attribute == nullptr) return missing;
-  if (!attribute->GetModifier().IsEmpty()) return IsTrueModifier(attribute->GetModifier());
-  if (attribute->GetValue() == nullptr) return true;
-  bool value = missing;
-  Read(attribute->GetValue(), value, IsTrue);
-  return value;
+  return ixomep::OrNeutral(missing, [&] {
+    const ixomep::AttributeView attribute = CurrentView().FindAttr(name);
+    if (!attribute) return missing;
+    const String& modifier = attribute.Modifier();
+    if (!modifier.IsEmpty()) return IsTrueModifier(modifier);
+    if (!attribute.HasValue()) return true;
+    bool value = missing;
+    Read(NamedValue(name), value, IsTrue);
+    return value;
+  });
 }
 
 std::int32_t IxoMepParser::GetValueTMM() const {
   std::int32_t tenths = 0;
-  Read(GetValue(), tenths, &IxoMepValue::GetTMM);
+  Read(OwnValue(), tenths, &IxoMepValue::GetTMM);
   return tenths;
 }
 
 std::int32_t IxoMepParser::GetValueTMM(const String& name) const {
   std::int32_t tenths = 0;
-  Read(GetValue(name), tenths, &IxoMepValue::GetTMM);
+  Read(NamedValue(name), tenths, &IxoMepValue::GetTMM);
   return tenths;
 }
 
 std::int32_t IxoMepParser::GetValueTPt() const {
   std::int32_t tenths = 0;
-  Read(GetValue(), tenths, &IxoMepValue::GetTPt);
+  Read(OwnValue(), tenths, &IxoMepValue::GetTPt);
   return tenths;
 }
 
 std::int32_t IxoMepParser::GetValueTPt(const String& name) const {
   std::int32_t tenths = 0;
-  Read(GetValue(name), tenths, &IxoMepValue::GetTPt);
+  Read(NamedValue(name), tenths, &IxoMepValue::GetTPt);
   return tenths;
 }
 
 double IxoMepParser::GetValueSec() const {
   double seconds = 0.0;
-  Read(GetValue(), seconds, &IxoMepValue::GetSec);
+  Read(OwnValue(), seconds, &IxoMepValue::GetSec);
   return seconds;
 }
 
 double IxoMepParser::GetValueSec(const String& name) const {
   double seconds = 0.0;
-  Read(GetValue(name), seconds, &IxoMepValue::GetSec);
+  Read(NamedValue(name), seconds, &IxoMepValue::GetSec);
   return seconds;
 }

@@ -235,6 +235,7 @@ ValuePtr Grammar::ReadValue(std::size_t& position, IxoMepErrorEnum& code) {
   const ReadingFrame& frame = Top();
   const std::size_t start = position;
   LiteralContext context(frame.parser, frame.line);
+  context.folded = folded_;
   ValuePtr value = ReadLiteral({frame.bytes, frame.continues}, position, context);
   if (value != nullptr) {
     PassLines(start, position);

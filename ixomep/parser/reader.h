@@ -16,6 +16,7 @@
 #include "ixomep/host/string.h"
 #include "ixomep/parser/element.h"
 #include "ixomep/parser/extent.h"
+#include "ixomep/parser/folded.h"
 #include "ixomep/parser/literal_reader.h"
 #include "ixomep/values/error_code.h"
 #include "ixomep/values/raise.h"
@@ -52,7 +53,8 @@ struct ReadingFrame {
 
 class Grammar {
  public:
-  Grammar() = default;
+  // `folded`: what evaluations before gave; not owned, may be null.
+  explicit Grammar(FoldedLiterals* folded = nullptr) noexcept : folded_(folded) {}
   Grammar(const Grammar&) = delete;
   Grammar& operator=(const Grammar&) = delete;
   ~Grammar();
@@ -124,6 +126,7 @@ class Grammar {
   std::string_view WordAt(std::size_t position) const noexcept;
   const String& Shared(std::string_view name);
 
+  FoldedLiterals* folded_;
   std::vector<ReadingFrame> frames_;
   std::size_t error_position_ = 0;  // in the top frame's source
   std::int32_t includes_ = 0;

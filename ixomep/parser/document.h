@@ -1,0 +1,159 @@
+// Internal: what the quick reading of a definition text leaves behind (document_scanner.h): small
+// records of all elements, attributes and bodies of the text, bodies of bodies included, in a few
+// arrays. Everything a record tells is an offset into the text or a number. The objects of the
+// public interface are made of them when a query hands out a pointer (document_objects.cpp); a
+// query that hands out none reads the records (element_view.h).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "ixomep/export.h"
+#include "ixomep/host/string.h"
+#include "ixomep/parser/name_table.h"
+#include "ixomep/parser/record_array.h"
+#include "ixomep/values/slot.h"
+#include "ixomep/values/value.h"
+
+class IxoMepAttribute;
+class IxoMepElement;
+class IxoMepParser;
+
+namespace ixomep {
+
+inline constexpr std::uint32_t kNoRecord = static_cast<std::uint32_t>(-1);
+
+enum class LiteralKind : std::uint8_t {
+  None,
+  String,   // `at` behind the opening quote, `size` up to the closing one, no backslash between
+  Escaped,  // the same with backslashes
+  Integer,  // a sign and up to nine digits
+  Measure,  // a decimal number with a unit of length
+  Time,     // the same with that of time
+  Number,   // any other number, measure or time
+  Source,   // of an expression that needs variables: it is compiled when it is asked for
+  Made,     // `at` is an index into the values that were made when the text was read, `size` how
+            // far behind the start of the element the literal stands
+  Body,     // `at` is the index of a body
+};
+
+// A literal or body of an element or attribute.
+struct LiteralRecord {
+  static constexpr std::uint32_t kMostBytes = (std::uint32_t{1} << 28) - 1;
+
+  std::uint32_t at = 0;
+  std::uint32_t size : 28 = 0;
+  std::uint32_t kind : 4 = 0;
+
+  LiteralKind Kind() const noexcept { return static_cast<LiteralKind>(kind); }
+  void Set(LiteralKind new_kind, std::uint32_t new_at, std::size_t new_size = 0) noexcept {
+    at = new_at;
+    size = static_cast<std::uint32_t>(new_size) & kMostBytes;
+    kind = static_cast<std::uint32_t>(new_kind) & 15u;
+  }
+};
+
+struct AttributeRecord {
+  std::uint32_t name;  // numbers of the table of names
+  std::uint32_t modifier;
+  LiteralRecord literal;
+};
+static_assert(sizeof(AttributeRecord) == 16);
+
+struct ElementRecord {
+  std::uint32_t start;  // offset of the keyword; of the first loose attribute
+  std::uint32_t keyword;
+  LiteralRecord literal;  // never a body
+  std::uint32_t first_attribute;
+  std::uint32_t attribute_count;
+  std::uint32_t body;  // kNoRecord: none
+};
+static_assert(sizeof(ElementRecord) == 28);
+
+// The stretch between two braces.
+struct BodyRecord {
+  std::uint32_t first;  // element
+  std::uint32_t count;
+  std::uint32_t start;
+  std::uint32_t end;
+  bool has_loose;  // the element before the first one holds the attributes before it
+};
+
+// A value that reading had to make: an expression that was compiled and folded.
+struct MadeValue {
+  ValuePtr value;
+  std::uint32_t at;  // of its literal, or of the statement
+  bool is_shared;    // several literals have this text: each gets a copy
+  bool needs_fold;   // not evaluated yet
+};
+
+class Document {
+ public:
+  // The text as given to the parser that reads it; lines are counted from `start` on.
+  Document(const String& text, std::uint32_t start, std::int32_t first_line, const String& context,
+           const String& filename_stack);
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+  ~Document();
+
+  const String& Text() const noexcept { return text_; }
+  const String& Context() const noexcept { return context_; }
+  const String& FilenameStack() const noexcept { return filename_stack_; }
+  const ElementRecord& Element(std::uint32_t index) const noexcept { return elements_[index]; }
+  const AttributeRecord& Attribute(std::uint32_t index) const noexcept {
+    return attributes_[index];
+  }
+  // The value of a literal of kind Made, while its element is no object.
+  const IxoMepValue* Made(const LiteralRecord& literal) const noexcept {
+    return made_[literal.at].value.get();
+  }
+  const BodyRecord& Body(std::uint32_t index) const noexcept { return bodies_[index]; }
+  const NameTable& Names() const noexcept { return names_; }
+  // The first attribute of that name; kNoRecord when there is none.
+  std::uint32_t FindAttribute(const ElementRecord& element, std::string_view name) const noexcept;
+  // The line of an offset. Cheap for offsets that are asked in order.
+  std::int32_t LineAt(std::uint32_t offset) const;
+
+  // The objects of records. Each element is made at most once, by the parser that keeps it; a body
+  // is made once and belongs to the document. May throw std::bad_alloc.
+  std::unique_ptr<IxoMepElement> MakeElement(std::uint32_t index, IxoMepParser* parser) const;
+  // The attributes before the first element of a body.
+  std::unique_ptr<IxoMepElement> MakeLoose(std::uint32_t index, IxoMepParser* parser) const;
+  IxoMepParser* BodyParser(std::uint32_t index) const;
+  // The value of a literal that is neither Made nor Body nor None.
+  IxoMepValue ReadLiteral(const LiteralRecord& literal) const;
+
+ private:
+  friend class DocumentScanner;
+
+  std::unique_ptr<IxoMepElement> MakeObject(std::uint32_t index, IxoMepParser* parser,
+                                            std::int32_t offset) const;
+  // `start` is the element's.
+  ValuePtr CompileSource(const LiteralRecord& literal) const;
+  ValuePtr MakeValueOf(const LiteralRecord& literal, std::uint32_t start) const;
+  std::uint32_t CountedLines(std::uint32_t offset) const;
+
+  String text_;
+  String context_;
+  String filename_stack_;
+  std::uint32_t start_;
+  std::int32_t first_line_;
+
+  RecordArray<ElementRecord> elements_;
+  RecordArray<AttributeRecord> attributes_;
+  RecordArray<BodyRecord> bodies_;
+  NameTable names_;
+  mutable std::vector<MadeValue> made_;
+
+  // Body parsers that were asked for, by the number of their body.
+  mutable RecordArray<IxoMepParser*> parsers_;
+
+  mutable RecordArray<std::uint32_t> line_marks_;  // line feeds before every kLineMark-th byte
+  mutable std::uint32_t lines_offset_;             // of the last question, and the answer
+  mutable std::uint32_t lines_ = 0;
+};
+
+}  // namespace ixomep

@@ -1,0 +1,151 @@
+// The objects of the public interface, made of the records of a document when they are asked for.
+// See document.h.
+#include <new>
+#include <utility>
+
+#include "ixomep/expr/expression_parser.h"
+#include "ixomep/parser/document.h"
+#include "ixomep/parser/literal_reader.h"
+#include "ixomep/parser/parser.h"
+#include "ixomep/values/free_list.h"
+#include "ixomep/values/value_rep.h"
+
+namespace ixomep {
+namespace {
+
+// The blocks of body parsers are recycled, as those of values are.
+using BodyBlocks = FreeList<Document, sizeof(IxoMepParser)>;
+
+std::int32_t IntegerOf(std::string_view digits) noexcept {
+  const bool is_negative = digits.front() == '-';
+  std::int32_t number = 0;
+  for (const char digit : digits.substr(is_negative ? 1 : 0)) number = number * 10 + (digit - '0');
+  return is_negative ? -number : number;
+}
+
+}  // namespace
+
+Document::~Document() {
+  for (std::uint32_t i = 0; i < parsers_.Size(); ++i) {
+    if (parsers_[i] == nullptr) continue;
+    parsers_[i]->~IxoMepParser();
+    BodyBlocks::Give(parsers_[i]);
+  }
+}
+
+IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
+  const std::string_view bytes = text_.view();
+  switch (literal.Kind()) {
+    case LiteralKind::String: {
+      IxoMepValue value;
+      ValueAccess::SetText(value, String(bytes.substr(literal.at, literal.size)));
+      return value;
+    }
+    case LiteralKind::Integer:
+      return IxoMepValue(IntegerOf(bytes.substr(literal.at, literal.size)));
+    case LiteralKind::Measure:
+      return IxoMepValue(IxoMepValueType::Measure,
+                         NumberOfPlainMeasure(bytes.substr(literal.at, literal.size)));
+    case LiteralKind::Time:
+      return IxoMepValue(IxoMepValueType::Time,
+                         NumberOfPlainMeasure(bytes.substr(literal.at, literal.size)));
+    case LiteralKind::Source:
+      return std::move(*CompileSource(literal));
+    default: {
+      LiteralContext context(nullptr, 0);
+      std::size_t position = literal.at - (literal.Kind() == LiteralKind::Escaped ? 1 : 0);
+      const ValuePtr value = ixomep::ReadLiteral({bytes}, position, context);
+      if (value == nullptr) throw std::bad_alloc();
+      return std::move(*value);
+    }
+  }
+}
+
+ValuePtr Document::CompileSource(const LiteralRecord& literal) const {
+  auto expression = std::make_unique<IxoMepExpressionParser>();
+  String error_text;
+  const String source(text_.view().substr(literal.at, literal.size));
+  // Known to be right: only memory can be missing.
+  if (expression->SetExpression(source, error_text) != IMEPERR_NONE) throw std::bad_alloc();
+  expression->SetLineNo(static_cast<std::uint32_t>(LineAt(literal.at)));
+  ValuePtr value = MakeValue(expression.get(), true);
+  (void)expression.release();
+  return value;
+}
+
+// Null for none, and for a value that nobody else gets: MakeObject takes it in the end.
+ValuePtr Document::MakeValueOf(const LiteralRecord& literal, std::uint32_t start) const {
+  switch (literal.Kind()) {
+    case LiteralKind::None:
+    case LiteralKind::Body:
+      return nullptr;
+    case LiteralKind::Made:
+      break;
+    case LiteralKind::Source:
+      return CompileSource(literal);
+    default:
+      return MakeValue(ReadLiteral(literal));
+  }
+  const MadeValue& made = made_[literal.at];
+  if (!made.is_shared) return nullptr;
+  const IxoMepExpressionParser* const expression = made.value->GetExpr();
+  if (made.value->GetType() != IxoMepValueType::Expression) return MakeValue(*made.value);
+  std::unique_ptr<IxoMepExpressionParser> copy(expression->CreateCopy());
+  copy->SetLineNo(static_cast<std::uint32_t>(LineAt(start + literal.size)));
+  ValuePtr value = MakeValue(copy.get(), true);
+  (void)copy.release();
+  return value;
+}
+
+std::unique_ptr<IxoMepElement> Document::MakeElement(std::uint32_t index,
+                                                     IxoMepParser* parser) const {
+  return MakeObject(index, parser, static_cast<std::int32_t>(elements_[index].start));
+}
+
+std::unique_ptr<IxoMepElement> Document::MakeLoose(std::uint32_t index,
+                                                   IxoMepParser* parser) const {
+  return MakeObject(index, parser, -1);
+}
+
+std::unique_ptr<IxoMepElement> Document::MakeObject(std::uint32_t index, IxoMepParser* parser,
+                                                    std::int32_t offset) const {
+  const ElementRecord& record = elements_[index];
+  auto element = std::make_unique<IxoMepElement>(names_.Text(record.keyword), parser, offset,
+                                                 LineAt(record.start));
+  element->value_ = MakeValueOf(record.literal, record.start);
+  element->attributes_.reserve(record.attribute_count);
+  for (std::uint32_t i = 0; i < record.attribute_count; ++i) {
+    const AttributeRecord& from = attributes_[record.first_attribute + i];
+    auto attribute = std::make_unique<IxoMepAttribute>(names_.Text(from.name));
+    if (from.modifier != NameTable::kNoName) attribute->SetModifier(names_.Text(from.modifier));
+    attribute->value_ = MakeValueOf(from.literal, record.start);
+    if (from.literal.Kind() == LiteralKind::Body) {
+      attribute->body_ = BodyPtr(BodyParser(from.literal.at), BodyDeleter{/*is_borrowed=*/true});
+    }
+    element->attributes_.push_back(std::move(attribute));
+  }
+  if (record.body != kNoRecord) {
+    element->body_ = BodyPtr(BodyParser(record.body), BodyDeleter{/*is_borrowed=*/true});
+  }
+  // Nothing fails any more: what exists once is taken now.
+  const auto take = [this](const LiteralRecord& literal, ValuePtr& value) {
+    if (literal.Kind() != LiteralKind::Made) return;
+    const MadeValue& made = made_[literal.at];
+    if (!made.is_shared) value = std::move(made_[literal.at].value);
+  };
+  take(record.literal, element->value_);
+  for (std::uint32_t i = 0; i < record.attribute_count; ++i) {
+    take(attributes_[record.first_attribute + i].literal, element->attributes_[i]->value_);
+  }
+  return element;
+}
+
+IxoMepParser* Document::BodyParser(std::uint32_t index) const {
+  if (parsers_.IsEmpty()) parsers_.AssignZero(bodies_.Size());
+  IxoMepParser*& parser = parsers_[index];
+  if (parser != nullptr) return parser;
+  parser = new (BodyBlocks::Take()) IxoMepParser(*this, bodies_[index]);
+  return parser;
+}
+
+}  // namespace ixomep

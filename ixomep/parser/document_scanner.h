@@ -1,0 +1,112 @@
+// Internal: the quick reading of a definition text: one pass that records what it has fully
+// checked. At the first byte that it does not know to be right (an error, a directive, a rarer
+// form) it gives up, and class Grammar reads the text from the start: codes, texts and places of
+// errors are the Grammar's alone. Bodies nest on a list of its own, not on the native stack.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "ixomep/parser/document.h"
+#include "ixomep/parser/folded.h"
+#include "ixomep/parser/name_table.h"
+#include "ixomep/parser/record_array.h"
+
+namespace ixomep {
+
+// Whether texts are read quickly where that is possible; for tests that compare both readings.
+class QuickReading {
+ public:
+  static bool IsOn() noexcept { return is_on_; }
+  static void Use(bool on) noexcept { is_on_ = on; }
+
+ private:
+  inline static bool is_on_ = true;
+};
+
+class DocumentScanner {
+ public:
+  // Reads the document's text from its start to its end. The parser makes no objects of its own.
+  explicit DocumentScanner(Document& document);
+  DocumentScanner(const DocumentScanner&) = delete;
+  DocumentScanner& operator=(const DocumentScanner&) = delete;
+
+  // False when the text must be read by the Grammar. Then `folded` has what evaluations gave, so
+  // that none is made twice. May throw std::bad_alloc or std::length_error.
+  bool Read(FoldedLiterals& folded);
+
+  // The elements of the outermost stretch.
+  std::uint32_t First() const noexcept { return first_; }
+  std::uint32_t Count() const noexcept { return count_; }
+
+ private:
+  // A stretch that is being read: the outermost one or a body.
+  struct Frame {
+    std::uint32_t body = kNoRecord;
+    std::uint32_t elements = 0;       // where its elements begin in pending_elements_
+    std::uint32_t attributes = 0;     // where its owner's begin in pending_attributes_
+    std::uint32_t owner = kNoRecord;  // the element in pending_elements_ that attributes belong to
+    bool has_loose = false;
+    bool has_element = false;
+    bool is_attribute = false;  // an attribute's body
+  };
+
+  bool Scan();
+  bool ReadElement();
+  bool ReadAttribute();
+  bool ReadAttributeValue(AttributeRecord& attribute);
+  // `start` is the element's.
+  bool ReadLiteral(LiteralRecord& literal, std::uint32_t start);
+  bool ReadString(LiteralRecord& literal);
+  bool ReadNumber(LiteralRecord& literal);
+  bool ReadRareNumber(LiteralRecord& literal);
+  bool ReadExpression(LiteralRecord& literal, std::uint32_t start);
+  bool AddLoose();
+  bool TryStatement(bool& done);
+  bool OpenBody(bool is_attribute);
+  bool CloseBody();
+  bool SkipLineComment() noexcept;
+  bool ReadRest();
+
+  void FinishElement();
+  bool MayStartStatement();
+  bool IsAtStatementStart() const noexcept;
+  // Whether a statement stands at the position; end is its ";", kNoRecord for none.
+  bool FindStatement(std::uint32_t& end);
+  bool OpensArray() const noexcept;
+  bool EndsHere() const noexcept;
+  bool BracketEnd(const char*& end, bool& is_simple);
+  bool Compile(std::string_view source, std::uint32_t at, bool is_literal, bool is_shared,
+               std::uint32_t& index);
+  bool Fold(FoldedLiterals& folded);
+
+  std::uint32_t OffsetOf(const char* position) const noexcept {
+    return static_cast<std::uint32_t>(position - text_);
+  }
+
+  Document& document_;
+  const char* text_;
+  const char* at_;
+  const char* end_;  // a zero byte stands there
+  Frame frame_;
+  std::vector<Frame> outer_;
+  RecordArray<ElementRecord> pending_elements_;
+  RecordArray<AttributeRecord> pending_attributes_;
+  // Sources of simple expressions, each with the index of its value.
+  std::unique_ptr<NameTable> sources_;
+  std::vector<std::uint32_t> made_of_source_;
+  std::vector<char> brackets_;
+
+  // Where the last item ended, and whether a statement could start there without a line feed.
+  const char* gap_ = nullptr;
+  bool is_fresh_ = true;
+  const char* next_semicolon_ = nullptr;
+  std::uint64_t statement_steps_ = 0;
+
+  std::uint32_t first_ = 0;
+  std::uint32_t count_ = 0;
+};
+
+}  // namespace ixomep

@@ -1,0 +1,224 @@
+// Internal: an element or attribute to look at, whether it is an object or still a record. A walk
+// over views makes no objects but the parsers of bodies. What a view gives is borrowed and lasts
+// as long as the parser's elements. Making a name's text or a body may throw std::bad_alloc.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "ixomep/parser/document.h"
+#include "ixomep/parser/element.h"
+#include "ixomep/parser/parser.h"
+#include "ixomep/values/value.h"
+
+namespace ixomep {
+
+// The current element of a parser that has none.
+IxoMepElement* EmptyElement() noexcept;
+
+// A stored value: an object, a literal that is read when it is asked for, or none.
+class ValueView {
+ public:
+  ValueView() = default;
+  explicit ValueView(const IxoMepValue* made) noexcept : made_(made) {}
+  ValueView(const Document& document, const LiteralRecord& literal) noexcept;
+
+  explicit operator bool() const noexcept { return made_ != nullptr || literal_ != nullptr; }
+  // The value; `room` keeps one that is no object. Null when there is none.
+  const IxoMepValue* Get(IxoMepValue& room) const {
+    if (literal_ == nullptr) return made_;
+    room = document_->ReadLiteral(*literal_);
+    return &room;
+  }
+  // An expression that is compiled for every use: better done once, by the object.
+  bool IsSource() const noexcept {
+    return literal_ != nullptr && literal_->Kind() == LiteralKind::Source;
+  }
+  // The type of the value; false when it takes reading the literal to tell.
+  bool GetType(IxoMepValueType& type) const noexcept;
+  // The text of a string literal without escapes, as it stands; false for any other value.
+  bool GetPlainText(std::string_view& text) const noexcept {
+    if (literal_ == nullptr || literal_->Kind() != LiteralKind::String) return false;
+    text = document_->Text().view().substr(literal_->at, literal_->size);
+    return true;
+  }
+
+ private:
+  const IxoMepValue* made_ = nullptr;
+  const Document* document_ = nullptr;
+  const LiteralRecord* literal_ = nullptr;
+};
+
+class AttributeView {
+ public:
+  AttributeView() = default;
+  explicit AttributeView(const IxoMepAttribute* made) noexcept : made_(made) {}
+  AttributeView(const Document& document, const AttributeRecord& record) noexcept
+      : document_(&document), record_(&record) {}
+
+  explicit operator bool() const noexcept { return made_ != nullptr || record_ != nullptr; }
+  const String& Name() const;
+  const String& Modifier() const;
+  // Null when there is none.
+  IxoMepParser* Body() const;
+  bool HasValue() const noexcept;
+  ValueView Value() const noexcept;
+
+ private:
+  const IxoMepAttribute* made_ = nullptr;
+  const Document* document_ = nullptr;
+  const AttributeRecord* record_ = nullptr;
+};
+
+class ElementView {
+ public:
+  ElementView() = default;
+  explicit ElementView(const IxoMepElement* made) noexcept : made_(made) {}
+  ElementView(const Document& document, std::uint32_t index, bool is_loose) noexcept
+      : document_(&document), record_(&document.Element(index)), is_loose_(is_loose) {}
+  // The element of a parser; none when the index is out of range.
+  static ElementView Of(const IxoMepParser& parser, std::int32_t index) noexcept;
+
+  explicit operator bool() const noexcept { return made_ != nullptr || record_ != nullptr; }
+  bool IsRecord() const noexcept { return record_ != nullptr; }
+  const String& Keyword() const;
+  std::int32_t StartOffset() const noexcept;
+  // Null when there is none.
+  IxoMepParser* Body() const;
+  bool HasValue() const noexcept;
+  ValueView Value() const noexcept;
+  std::int32_t AttrCount() const noexcept;
+  // None when the position is out of range; when there is no such attribute.
+  AttributeView Attr(std::int32_t position) const noexcept;
+  AttributeView FindAttr(std::string_view name) const noexcept;
+
+ private:
+  const IxoMepElement* made_ = nullptr;
+  const Document* document_ = nullptr;
+  const ElementRecord* record_ = nullptr;
+  bool is_loose_ = false;
+};
+
+inline bool IsValue(const LiteralRecord& literal) noexcept {
+  return literal.Kind() != LiteralKind::None && literal.Kind() != LiteralKind::Body;
+}
+
+inline ValueView::ValueView(const Document& document, const LiteralRecord& literal) noexcept {
+  if (!IsValue(literal)) return;
+  if (literal.Kind() == LiteralKind::Made) {
+    made_ = document.Made(literal);
+    return;
+  }
+  document_ = &document;
+  literal_ = &literal;
+}
+
+inline bool ValueView::GetType(IxoMepValueType& type) const noexcept {
+  if (literal_ == nullptr) {
+    type = made_ != nullptr ? made_->GetType() : IxoMepValueType::Undefined;
+    return true;
+  }
+  switch (literal_->Kind()) {
+    case LiteralKind::String:
+    case LiteralKind::Escaped:
+      type = IxoMepValueType::String;
+      return true;
+    case LiteralKind::Integer:
+      type = IxoMepValueType::Integer;
+      return true;
+    case LiteralKind::Measure:
+      type = IxoMepValueType::Measure;
+      return true;
+    case LiteralKind::Time:
+      type = IxoMepValueType::Time;
+      return true;
+    case LiteralKind::Source:
+      type = IxoMepValueType::Expression;
+      return true;
+    default:
+      return false;
+  }
+}
+
+inline const String& AttributeView::Name() const {
+  return made_ != nullptr ? made_->GetName() : document_->Names().Text(record_->name);
+}
+
+inline const String& AttributeView::Modifier() const {
+  return made_ != nullptr ? made_->GetModifier() : document_->Names().Text(record_->modifier);
+}
+
+inline IxoMepParser* AttributeView::Body() const {
+  if (made_ != nullptr) return made_->GetBodyParser();
+  const bool has_body = record_->literal.Kind() == LiteralKind::Body;
+  return has_body ? document_->BodyParser(record_->literal.at) : nullptr;
+}
+
+inline bool AttributeView::HasValue() const noexcept {
+  return made_ != nullptr ? made_->GetValue() != nullptr : IsValue(record_->literal);
+}
+
+inline ValueView AttributeView::Value() const noexcept {
+  return made_ != nullptr ? ValueView(made_->GetValue()) : ValueView(*document_, record_->literal);
+}
+
+inline ElementView ElementView::Of(const IxoMepParser& parser, std::int32_t index) noexcept {
+  return parser.ViewAt(index);
+}
+
+inline const String& ElementView::Keyword() const {
+  return made_ != nullptr ? made_->GetKeyword() : document_->Names().Text(record_->keyword);
+}
+
+inline std::int32_t ElementView::StartOffset() const noexcept {
+  if (made_ != nullptr) return made_->GetStartOffset();
+  return is_loose_ ? -1 : static_cast<std::int32_t>(record_->start);
+}
+
+inline IxoMepParser* ElementView::Body() const {
+  if (made_ != nullptr) return made_->GetBodyParser();
+  return record_->body != kNoRecord ? document_->BodyParser(record_->body) : nullptr;
+}
+
+inline bool ElementView::HasValue() const noexcept {
+  return made_ != nullptr ? made_->GetValue() != nullptr : IsValue(record_->literal);
+}
+
+inline ValueView ElementView::Value() const noexcept {
+  return made_ != nullptr ? ValueView(made_->GetValue()) : ValueView(*document_, record_->literal);
+}
+
+inline std::int32_t ElementView::AttrCount() const noexcept {
+  return made_ != nullptr ? made_->GetAttrCount()
+                          : static_cast<std::int32_t>(record_->attribute_count);
+}
+
+inline AttributeView ElementView::Attr(std::int32_t position) const noexcept {
+  if (made_ != nullptr) return AttributeView(made_->GetAttr(position));
+  if (position < 0 || position >= AttrCount()) return {};
+  return {*document_,
+          document_->Attribute(record_->first_attribute + static_cast<std::uint32_t>(position))};
+}
+
+inline AttributeView ElementView::FindAttr(std::string_view name) const noexcept {
+  if (made_ != nullptr) return AttributeView(made_->FindAttr(name));
+  const std::uint32_t index = document_->FindAttribute(*record_, name);
+  if (index == kNoRecord) return {};
+  return {*document_, document_->Attribute(index)};
+}
+
+}  // namespace ixomep
+
+inline ixomep::ElementView IxoMepParser::ViewAt(std::int32_t index) const noexcept {
+  if (index < 0 || index >= GetElemCount()) return {};
+  const auto at = static_cast<std::size_t>(index);
+  if (!elements_.empty() && elements_[at] != nullptr)
+    return ixomep::ElementView(elements_[at].get());
+  return {*records_, first_record_ + static_cast<std::uint32_t>(index), /*is_loose=*/false};
+}
+
+inline ixomep::ElementView IxoMepParser::CurrentView() const noexcept {
+  if (current_ != nullptr) return ixomep::ElementView(current_);
+  if (current_index_ >= 0) return ViewAt(current_index_);
+  return {*records_, first_record_ - 1, /*is_loose=*/true};
+}
