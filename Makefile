@@ -40,10 +40,10 @@ lint: tools-lint ## run clang-tidy and cppcheck over all sources
 	@scripts/lint.sh build/dev $(JOBS)
 
 bench: build-bench ## build the benchmarks in release, run them beside peers and print one table
-	@scripts/run_benchmarks.sh build/bench
+	@bench/run_benchmarks.sh build/bench
 
 growth: build-bench ## measure how times grow with sizes: a plot, a table, failure beyond the bounds
-	@scripts/run_growth.sh build/bench
+	@bench/run_growth.sh build/bench
 
 docs: build-dev ## run the examples of the documents and check the map of the sources
 	@ctest --preset dev -R 'house|docs'
