@@ -60,6 +60,25 @@ class Port : public IxoMessagePort {
   std::unique_ptr<Port>& self_;
 };
 
+// A result slot for a call: the value of a place, or null to receive a new one, which then goes to
+// the place. Whatever happens, the value has an owner afterwards.
+class Slot {
+ public:
+  Slot(ValuePtr& place, bool is_given) : place_(place), raw(is_given ? place.release() : nullptr) {}
+  Slot(const Slot&) = delete;
+  Slot& operator=(const Slot&) = delete;
+  ~Slot() {
+    if (raw != nullptr) place_.reset(raw);
+    if (place_ == nullptr) place_ = ixomep::MakeValue();
+  }
+
+ private:
+  ValuePtr& place_;
+
+ public:
+  IxoMepValue* raw;
+};
+
 // Everything that the operations work on.
 class Machine {
  public:
@@ -104,6 +123,7 @@ class Machine {
 
   static constexpr int kCount = 6;
   Bytes& bytes_;
+  Objects objects_;
   std::array<IxoMepValue, 4> targets_;
   std::array<ValuePtr, kCount> values_ = {
       ixomep::MakeValue(), ixomep::MakeValue(1),           ixomep::MakeValue("text"),
@@ -127,6 +147,7 @@ void Machine::Make() {
       break;
     case 3:
       value = IxoMepValue(static_cast<Type>(bytes_.Byte()));
+      if (value.GetObject() != nullptr) objects_.Add(value);
       break;
     case 4:
       value = IxoMepValue(static_cast<Type>(bytes_.Below(16)), bytes_.Below(50));
@@ -161,8 +182,9 @@ void Machine::Make() {
 }
 
 void Machine::Assign() {
-  ValuePtr& slot = values_[static_cast<std::size_t>(bytes_.Below(kCount))];
-  IxoMepValue* raw = bytes_.Truth() ? slot.release() : nullptr;
+  ValuePtr& place = values_[static_cast<std::size_t>(bytes_.Below(kCount))];
+  Slot slot(place, bytes_.Truth());
+  IxoMepValue*& raw = slot.raw;
   switch (bytes_.Below(8)) {
     case 0:
       IxoMepValue::Assign(raw, String(bytes_.Text()));
@@ -189,8 +211,6 @@ void Machine::Assign() {
       IxoMepValue::Assign(raw, static_cast<const IxoMepValue*>(&targets_[2]));
       break;
   }
-  if (raw == nullptr) raw = new IxoMepValue();
-  slot.reset(raw);
 }
 
 void Machine::Read() {
@@ -227,7 +247,7 @@ void Machine::EditContainer() {
   const IxoMepValue other(Value());
   switch (bytes_.Below(11)) {
     case 0:
-      value.Append(new IxoMepValue(other));
+      if (value.GetType() == Type::Array) value.Append(new IxoMepValue(other));
       break;
     case 1:
       if (HasElements(value)) value.Insert(Index(value), new IxoMepValue(other));
@@ -245,7 +265,9 @@ void Machine::EditContainer() {
       if (HasElements(value)) value.SetValue(Index(value), &other);
       break;
     case 6:
-      value.MoveValue(Name(), new IxoMepValue(other));
+      if (value.GetType() == Type::Map || value.GetType() == Type::Object) {
+        value.MoveValue(Name(), new IxoMepValue(other));
+      }
       break;
     case 7:
       if (HasElements(value)) value.GetValue(Index(value))->SetInt(bytes_.Integer());
@@ -285,25 +307,31 @@ void Machine::EditContainer() {
 }
 
 void Machine::CallMethod() {
-  const char* const methods[] = {
-      IxoMepStringAddressMap::IMEPSAM_COPY,        IxoMepStringAddressMap::IMEPSAM_EMPTY,
-      IxoMepStringAddressMap::IMEPSAM_ERASE,       IxoMepStringAddressMap::IMEPSAM_ERASE_ALL_FROM,
-      IxoMepStringAddressMap::IMEPSAM_INSERT,      IxoMepStringAddressMap::IMEPSAM_INSERT_ALL_FROM,
-      IxoMepStringAddressMap::IMEPSAM_KEY,         IxoMepStringAddressMap::IMEPSAM_LAST_INDEX_OF,
-      IxoMepStringAddressMap::IMEPSAM_LENGTH,      IxoMepStringAddressMap::IMEPSAM_SORT,
-      IxoMepStringAddressMap::IMEPSAM_TRIM,        IxoMepStringAddressMap::IMEPSAM_WITHOUT,
-      Intern("g")};
+  const char* const methods[] = {IxoMepStringAddressMap::IMEPSAM_COPY,
+                                 IxoMepStringAddressMap::IMEPSAM_EMPTY,
+                                 IxoMepStringAddressMap::IMEPSAM_ERASE,
+                                 IxoMepStringAddressMap::IMEPSAM_ERASE_ALL_FROM,
+                                 IxoMepStringAddressMap::IMEPSAM_INSERT,
+                                 IxoMepStringAddressMap::IMEPSAM_INSERT_ALL_FROM,
+                                 IxoMepStringAddressMap::IMEPSAM_KEY,
+                                 IxoMepStringAddressMap::IMEPSAM_LAST_INDEX_OF,
+                                 IxoMepStringAddressMap::IMEPSAM_LENGTH,
+                                 IxoMepStringAddressMap::IMEPSAM_SORT,
+                                 IxoMepStringAddressMap::IMEPSAM_TRIM,
+                                 IxoMepStringAddressMap::IMEPSAM_WITHOUT,
+                                 Intern("g")};
   IxoMepValue& value = Value();
   const char* const name = bytes_.Pick(methods);
   std::vector<IxoMepValue> copies;
   for (int i = bytes_.Below(4); i > 0; --i) copies.push_back(Value());
   IxoMepValueList args;
   for (IxoMepValue& copy : copies) args.push_back(&copy);
-  IxoMepValue* result = bytes_.Truth() ? new IxoMepValue(7) : nullptr;
-  String text;
-  const long code = value.EvaluateMethodCall(name, args, result, text, bytes_.Truth());
-  const ValuePtr owner(result);
-  Check(code == 0 || result == nullptr, "a failed method leaves a value");
+  ValuePtr place = ixomep::MakeValue(7);
+  {
+    Slot slot(place, bytes_.Truth());
+    String text;
+    (void)value.EvaluateMethodCall(name, args, slot.raw, text, bytes_.Truth());
+  }
   Trim(value);
 }
 
@@ -387,16 +415,16 @@ void Machine::UseParser() {
       break;
     }
     default: {
-      ValuePtr& slot = values_[static_cast<std::size_t>(bytes_.Below(kCount))];
-      IxoMepValue* raw = bytes_.Truth() ? slot.release() : nullptr;
-      IxoMepValueSet* const scope = bytes_.Below(8) == 0 ? nullptr : &Scope();
-      const IxoMepErrorEnum code =
-          parser.Evaluate(scope, raw, text, bytes_.Below(4) == 0, bytes_.Truth());
-      Check(code == IMEPERR_NONE || code == IMEPERR_UNEXPECTED_TYPE || raw == nullptr,
-            "a failure leaves a value");
-      if (raw == nullptr) raw = new IxoMepValue();
-      slot.reset(raw);
-      Trim(*slot);
+      ValuePtr& place = values_[static_cast<std::size_t>(bytes_.Below(kCount))];
+      {
+        Slot slot(place, bytes_.Truth());
+        IxoMepValueSet* const scope = bytes_.Below(8) == 0 ? nullptr : &Scope();
+        const IxoMepErrorEnum code =
+            parser.Evaluate(scope, slot.raw, text, bytes_.Below(4) == 0, bytes_.Truth());
+        Check(code == IMEPERR_NONE || code == IMEPERR_UNEXPECTED_TYPE || slot.raw == nullptr,
+              "a failure leaves a value");
+      }
+      Trim(*place);
       break;
     }
   }
@@ -404,24 +432,25 @@ void Machine::UseParser() {
 
 void Machine::UseObject() {
   IxoMepValue& value = Value();
-  if (value.GetType() != Type::Object) value = IxoMepValue(Type::Object);
+  if (value.GetObject() == nullptr) value = objects_.Make();
   IxoMepObject* const object = value.GetObject();
   switch (bytes_.Below(5)) {
     case 0:
       object->MoveValue(Name(), new IxoMepValue(targets_[0]));
       break;
     case 1:
-      object->SetNativeMethod(
-          Name(), [](IxoMepObject* self, const IxoMepValueList& args, IxoMepValue*& result,
-                     String& text) -> long {
-            if (args.empty()) {
-              text = "nothing given";
-              return IMEPERR_WRONG_ARGUMENT_COUNT;
-            }
-            self->MoveValue("last", new IxoMepValue(1));
-            IxoMepValue::Assign(result, static_cast<const IxoMepValue*>(args[0]));
-            return IMEPERR_NONE;
-          });
+      object->SetNativeMethod(Name(),
+                              [](IxoMepObject* self, const IxoMepValueList& args,
+                                 IxoMepValue*& result, String& text) -> long {
+                                if (args.empty()) {
+                                  text = "nothing given";
+                                  return IMEPERR_WRONG_ARGUMENT_COUNT;
+                                }
+                                self->MoveValue("last", new IxoMepValue(1));
+                                IxoMepValue::Assign(result,
+                                                    static_cast<const IxoMepValue*>(args[0]));
+                                return IMEPERR_NONE;
+                              });
       break;
     case 2: {
       const IxoMepValue copy(value);
@@ -486,8 +515,8 @@ void Machine::UsePorts() {
 void Machine::Run() {
   using Step = void (Machine::*)();
   static constexpr Step kSteps[] = {
-      &Machine::Make,     &Machine::Assign,    &Machine::Read,      &Machine::EditContainer,
-      &Machine::UseScope, &Machine::UseParser, &Machine::UseObject, &Machine::CallMethod,
+      &Machine::Make,     &Machine::Assign,       &Machine::Read,      &Machine::EditContainer,
+      &Machine::UseScope, &Machine::UseParser,    &Machine::UseObject, &Machine::CallMethod,
       &Machine::UsePorts, &Machine::UseDefinition};
   for (int i = 0; i < kMaxOperations && !bytes_.IsEmpty(); ++i) (this->*bytes_.Pick(kSteps))();
 }

@@ -20,24 +20,24 @@ using Type = IxoMepValueType;
 namespace {
 
 constexpr int kMaxArguments = 7;
-constexpr std::string_view kCode[] = {"1",     "0",       "x0 + 1", "{1, x1}",
-                                      "\"a\"", "1 / 0",   "n",      "(n := n + 1)",
+constexpr std::string_view kCode[] = {"1",     "0",       "x0 + 1",   "{1, x1}",
+                                      "\"a\"", "1 / 0",   "n",        "(n := n + 1)",
                                       "n < 3", "unknown", "(x0 := 5)"};
 constexpr std::string_view kPlaces[] = {"n", "x0", "x1[0]", "x1[\"k\"]", "o.p", "1"};
 constexpr std::string_view kMethods[] = {"copy",  "trim", "without",       "lastIndexOf",
                                          "sort",  "key",  "insert",        "erase",
                                          "empty", "g",    "insertAllFrom", "eraseAllFrom"};
 
-IxoMepValue MakeValue(Bytes& bytes, Type type, int depth);
+IxoMepValue MakeValue(Bytes& bytes, Objects& objects, Type type, int depth);
 
-IxoMepValue MakeContainer(Bytes& bytes, Type type, int depth) {
+IxoMepValue MakeContainer(Bytes& bytes, Objects& objects, Type type, int depth) {
   IxoMepValue value(type);
   for (int count = bytes.Below(5); count > 0 && depth > 0; --count) {
-    IxoMepValue element = MakeValue(bytes, static_cast<Type>(bytes.Below(12)), depth - 1);
+    IxoMepValue element = MakeValue(bytes, objects, static_cast<Type>(bytes.Below(12)), depth - 1);
     if (type == Type::Array) {
       value.Append(new IxoMepValue(element));
     } else {
-      const IxoMepValue key = MakeValue(bytes, static_cast<Type>(bytes.Below(6)), 0);
+      const IxoMepValue key = MakeValue(bytes, objects, static_cast<Type>(bytes.Below(6)), 0);
       (void)value.SetValue(&key, &element);
     }
   }
@@ -59,7 +59,7 @@ double MakeNumber(Bytes& bytes) {
   return bytes.Truth() ? bytes.Pick(kNumbers) : bytes.Real();
 }
 
-IxoMepValue MakeValue(Bytes& bytes, Type type, int depth) {
+IxoMepValue MakeValue(Bytes& bytes, Objects& objects, Type type, int depth) {
   static IxoMepValue target(3);
   static constexpr std::int32_t kIntegers[] = {0, 1, -1, 2, 7, 255, 2147483647, -2147483647 - 1};
   static constexpr const char* kLambdas[] = {"lambda(1)", "lambda(a, b, a < b)", "lambda(a, a)",
@@ -78,17 +78,13 @@ IxoMepValue MakeValue(Bytes& bytes, Type type, int depth) {
       return FromText("parse(\"n + 1\")");
     case Type::Array:
     case Type::Map:
-      return MakeContainer(bytes, type, depth);
+      return MakeContainer(bytes, objects, type, depth);
     case Type::Reference:
       return {&target};
     case Type::Lambda:
       return FromText(bytes.Pick(kLambdas));
-    case Type::Object: {
-      IxoMepValue object(Type::Object);
-      object.MoveValue("p", new IxoMepValue(7));
-      object.MoveValue("g", new IxoMepValue(FromText("lambda(a, a)")));
-      return object;
-    }
+    case Type::Object:
+      return objects.Make();
     default:
       return {};
   }
@@ -117,6 +113,7 @@ Type TypeFor(Bytes& bytes, ArgType wanted) {
 // A call and the variables that it uses.
 struct Case {
   std::string text;
+  Objects objects;
   std::vector<IxoMepValue> values;
 
   std::string Variable(IxoMepValue value) {
@@ -128,7 +125,7 @@ struct Case {
 std::string Argument(Bytes& bytes, ArgType wanted, Case& made) {
   if (wanted == ArgType::Code && bytes.Below(4) != 0) return std::string(bytes.Pick(kCode));
   if (wanted == ArgType::Place && bytes.Below(8) != 0) return std::string(bytes.Pick(kPlaces));
-  return made.Variable(MakeValue(bytes, TypeFor(bytes, wanted), 2));
+  return made.Variable(MakeValue(bytes, made.objects, TypeFor(bytes, wanted), 2));
 }
 
 void MakeCall(Bytes& bytes, const BuiltinRow& row, Case& made) {
@@ -152,8 +149,8 @@ void MakeCall(Bytes& bytes, const BuiltinRow& row, Case& made) {
 }
 
 void MakeMethodCall(Bytes& bytes, Case& made) {
-  made.text = made.Variable(MakeValue(bytes, static_cast<Type>(bytes.Below(12)), 2)) + "." +
-              std::string(bytes.Pick(kMethods)) + "(";
+  made.text = made.Variable(MakeValue(bytes, made.objects, static_cast<Type>(bytes.Below(12)), 2)) +
+              "." + std::string(bytes.Pick(kMethods)) + "(";
   const int count = bytes.Below(4);
   for (int i = 0; i < count; ++i) {
     made.text += (i > 0 ? ", " : "") + Argument(bytes, ArgType::Any, made);
@@ -162,11 +159,11 @@ void MakeMethodCall(Bytes& bytes, Case& made) {
 }
 
 void MakeOperation(Bytes& bytes, Case& made) {
-  static constexpr std::string_view kBinary[] = {"+",  "-",  "*", "/",   "MOD", "=",  "<=", "!=",
-                                                 "<",  ">=", ">", "AND", "OR",  "SUB", "IN", ":="};
-  static constexpr std::string_view kUnary[] = {"VAL",   "STR",  "LEN", "NOT", "ROUND",
-                                                "FLOOR", "CEIL", "CM",  "CMS", "PT",
-                                                "PTS",   "ASC",  "CHR", "INT", "REAL", "-"};
+  static constexpr std::string_view kBinary[] = {
+      "+", "-", "*", "/", "MOD", "=", "<=", "!=", "<", ">=", ">", "AND", "OR", "SUB", "IN", ":="};
+  static constexpr std::string_view kUnary[] = {"VAL",  "STR", "LEN",  "NOT", "ROUND", "FLOOR",
+                                                "CEIL", "CM",  "CMS",  "PT",  "PTS",   "ASC",
+                                                "CHR",  "INT", "REAL", "-"};
   const std::string first = Argument(bytes, ArgType::Any, made);
   switch (bytes.Below(3)) {
     case 0:

@@ -29,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Bounds bounds;
     const std::string first = ReadAndAsk(text);
     const std::string second = ReadAndAsk(text);
-    Check(bounds.Reached() || first == second, "a second reading differs", first + "---\n" + second);
+    Check(bounds.Reached() || first == second, "a second reading differs",
+          first + "---\n" + second);
   }
   {
     const Bounds bounds;

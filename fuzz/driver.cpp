@@ -1,5 +1,5 @@
-// Replays inputs through a fuzz target where there is no fuzzing engine: each argument is a file, or
-// a folder whose files are taken in the order of their names. Prints how many it ran.
+// Replays inputs through a fuzz target where there is no fuzzing engine: each argument is a file,
+// or a folder whose files are taken in the order of their names. Prints how many it ran.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

@@ -31,8 +31,7 @@ Reading Read(const String& text, std::int32_t position) {
   Reading reading;
   reading.position = position;
   String error;
-  reading.value.reset(
-      IxoMepValue::Create(text, reading.position, reading.code, error, nullptr, 1));
+  reading.value.reset(IxoMepValue::Create(text, reading.position, reading.code, error, nullptr, 1));
   Check(reading.position >= position && reading.position <= text.Len(), "the position is outside");
   Check((reading.value != nullptr) == (reading.code == 0), "a value or a code");
   Check(reading.value != nullptr || !error.IsEmpty(), "a failure without a message");

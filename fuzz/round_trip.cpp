@@ -92,7 +92,7 @@ bool IsTold(const IxoMepExprNode& node) {
 
 bool IsPureFunction(const IxoMepExprNode* callee) {
   if (!HasName(callee)) return false;
-  const std::string_view name = callee->GetName().view();
+  const std::string_view name = callee->GetNameAddress();
   for (const ixomep::BuiltinRow& row : ixomep::kMathRows) {
     if (name == row.name) return true;
   }
@@ -122,8 +122,7 @@ bool IsPure(const IxoMepExprNode& node) {
   }
 }
 
-bool AllAre(const std::vector<const IxoMepExprNode*>& nodes,
-            bool (*good)(const IxoMepExprNode&)) {
+bool AllAre(const std::vector<const IxoMepExprNode*>& nodes, bool (*good)(const IxoMepExprNode&)) {
   for (const IxoMepExprNode* node : nodes) {
     if (!good(*node)) return false;
   }
@@ -133,17 +132,15 @@ bool AllAre(const std::vector<const IxoMepExprNode*>& nodes,
 // What evaluating the tree leaves behind; empty when it comes to its bounds.
 std::string OutcomeOf(const IxoMepExprNode& tree) {
   const Bounds bounds;
-  IxoMepValue outside(10);
-  IxoMepValueSet scope;
-  Bind(scope, outside);
+  Scene scene;
   String text;
   IxoMepValue* slot = nullptr;
   IxoMepExprNode::m_nCallDepth = 0;
-  const IxoMepErrorEnum code = tree.Evaluate(nullptr, &scope, slot, text, false);
+  const IxoMepErrorEnum code = tree.Evaluate(nullptr, &scene.scope(), slot, text, false);
   const ValuePtr result(slot);
   if (bounds.Reached()) return {};
   return std::to_string(code) + " \"" + std::string(text.view()) + "\" " + Shown(slot) + "\n" +
-         Shown(&outside);
+         Shown(&scene.outside());
 }
 
 void CheckSame(const std::string& expected, const IxoMepExprNode& other, const char* what) {
@@ -179,12 +176,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckSame(expected, *again.GetTree(), "the pretty text gives another result");
   }
 
-  IxoMepValue outside(10);
-  IxoMepValueSet scope;
-  Bind(scope, outside);
-  (void)tree.GetPrettyText(&scope);
-  const NodePtr captured(tree.Copy(&scope));
-  if (AllAre(nodes, &IsPure)) CheckSame(expected, *captured, "captured variables change the result");
+  Scene scene;
+  (void)tree.GetPrettyText(&scene.scope());
+  const NodePtr captured(tree.Copy(&scene.scope()));
+  if (AllAre(nodes, &IsPure))
+    CheckSame(expected, *captured, "captured variables change the result");
   (void)OutcomeOf(*captured);
   ixomep::UsePrograms(before);
   return 0;

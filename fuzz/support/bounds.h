@@ -6,8 +6,8 @@
 
 namespace ixomep::fuzz {
 
-// The bounds hold while one of these lives; they do not nest. What passes them fails with 38 (steps,
-// memory) or 37 (memory).
+// The bounds hold while one of these lives; they do not nest. What passes them fails with 38
+// (steps, memory) or 37 (memory).
 class Bounds {
  public:
   static constexpr int kSteps = 20000;

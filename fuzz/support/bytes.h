@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <string_view>
 
 namespace ixomep::fuzz {
@@ -39,7 +38,8 @@ class Bytes {
   }
   // A text of at most 255 bytes, its length in front.
   std::string_view Text() {
-    const std::string_view text = rest_.substr(1 < rest_.size() ? 1 : rest_.size(), Byte());
+    const std::size_t length = Byte();
+    const std::string_view text = rest_.substr(0, length);
     rest_.remove_prefix(text.size());
     return text;
   }

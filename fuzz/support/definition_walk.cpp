@@ -32,8 +32,7 @@ class Walk {
 
  private:
   template <class T>
-  requires(std::is_arithmetic_v<T> || std::is_enum_v<T>)
-  void Note(T number) {
+  requires(std::is_arithmetic_v<T> || std::is_enum_v<T>) void Note(T number) {
     answers_ += std::to_string(number) + ' ';
   }
   void Note(const String& text) { answers_.append(text.view()) += ' '; }
@@ -51,8 +50,9 @@ class Walk {
     const std::int32_t count = parser.GetElemCount();
     Note(count);
     Note(parser.GetText());
-    Check(parser.GetErrorOffset() >= -1 && parser.GetErrorOffset() <= parser.GetCompleteText().Len(),
-          "the place of an error is outside");
+    Check(
+        parser.GetErrorOffset() >= -1 && parser.GetErrorOffset() <= parser.GetCompleteText().Len(),
+        "the place of an error is outside");
     for (const std::int32_t index : {-1, count, count + 5, -2147483647 - 1, 2147483647}) {
       Note(parser.GetKeyword(index));
       Note(parser.GetElemText(index));
@@ -132,12 +132,10 @@ class Walk {
 }  // namespace
 
 std::string ReadAndAsk(const String& text, bool use_include_cache) {
-  IxoMepValue outside(10);
-  IxoMepValueSet scope;
-  Bind(scope, outside);
+  Scene scene;
   IxoMepParser parser(text, "main.mep");
   parser.SetUseIncludeCache(use_include_cache);
-  parser.SetVars(&scope);
+  parser.SetVars(&scene.scope());
   const IxoMepErrorEnum code = parser.Parse();
   Check((code == IMEPERR_NONE) == parser.GetErrorText().IsEmpty(), "a code and a message, or none");
   std::string answers = "code " + std::to_string(code) + " ";

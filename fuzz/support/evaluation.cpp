@@ -2,6 +2,7 @@
 #include "fuzz/support/evaluation.h"
 
 #include <map>
+#include <new>
 
 #include "fuzz/support/bounds.h"
 #include "fuzz/support/fuzz_host.h"
@@ -39,51 +40,68 @@ std::string Variables(const IxoMepValueSet& scope) {
 
 }  // namespace
 
-void Bind(IxoMepValueSet& scope, IxoMepValue& outside) {
+Objects::~Objects() {
+  for (IxoMepValue& object : objects_) {
+    for (const char* const name : {"a", "b", "c", "d", "f", "g", "p", "last", "length"}) {
+      if (object.GetObject()->FindProperty(name) != nullptr) {
+        object.MoveValue(name, new IxoMepValue());
+      }
+    }
+  }
+}
+
+IxoMepValue Objects::Make() {
+  static const ValuePtr method = ValueOf("lambda(a, (a := 5, a))");
+  IxoMepValue object(Type::Object);
+  object.MoveValue("p", new IxoMepValue(7));
+  object.MoveValue("g", new IxoMepValue(*method));
+  Add(object);
+  return object;
+}
+
+Scene::Scene() {
   static const ValuePtr array = ValueOf("{1, 2.5, {3, 4}, \"k\"}");
   static const ValuePtr map = ValueOf("{\"k\": 1, 2: \"two\", \"text\": {5, 6}}");
   static const ValuePtr lambda = ValueOf("lambda(p, n, (p + i, cond(p > n, n, p + 1)))");
   static const ValuePtr expression = ValueOf("parse(\"i + 1\")");
-  scope.OldSetValue("a", *array, true);
-  scope.OldSetValue("m", *map, true);
-  scope.OldSetValue("s", IxoMepValue("text, more"), true);
-  scope.OldSetValue("i", IxoMepValue(2), true);
-  scope.OldSetValue("r", IxoMepValue(1.5), true);
-  scope.OldSetValue("t", IxoMepValue(Type::Measure, 200.0), true);
-  scope.OldSetValue("d", IxoMepValue(Type::Time, 90.0), true);
-  scope.OldSetValue("u", IxoMepValue(), true);
-  scope.OldSetValue("w", IxoMepValue(&outside), true);
-  scope.OldSetValue("f", *lambda, true);
-  scope.OldSetValue("e", *expression, true);
-  IxoMepValue object(Type::Object);
-  object.MoveValue("p", new IxoMepValue(7));
-  object.MoveValue("g", new IxoMepValue(*lambda));
-  scope.OldSetValue("o", object, true);
+  scope_.OldSetValue("a", *array, true);
+  scope_.OldSetValue("m", *map, true);
+  scope_.OldSetValue("s", IxoMepValue("text, more"), true);
+  scope_.OldSetValue("i", IxoMepValue(2), true);
+  scope_.OldSetValue("r", IxoMepValue(1.5), true);
+  scope_.OldSetValue("t", IxoMepValue(Type::Measure, 200.0), true);
+  scope_.OldSetValue("d", IxoMepValue(Type::Time, 90.0), true);
+  scope_.OldSetValue("u", IxoMepValue(), true);
+  scope_.OldSetValue("w", IxoMepValue(&outside_), true);
+  scope_.OldSetValue("f", *lambda, true);
+  scope_.OldSetValue("e", *expression, true);
+  scope_.OldSetValue("o", objects_.Make(), true);
 }
 
 std::string Shown(const IxoMepValue* value) {
   if (value == nullptr) return "none";
-  const String name = IxoMepValue::GetTypeName(value->GetType());
-  // A circle of references has no text of its own worth comparing.
-  const String text = value->GetText(true);
-  return std::string(name.view()) + " " + std::string(text.view());
+  const std::string name(IxoMepValue::GetTypeName(value->GetType()).view());
+  try {
+    return name + " " + std::string(value->GetText(true).view());
+  } catch (const std::bad_alloc&) {
+    return name + " whose text passes the bound on memory";
+  }
 }
 
 std::string Outcome(const IxoMepExpressionParser& parser, const Setting& setting, bool programs) {
   const bool before = UsePrograms(programs);
-  IxoMepValue outside(10);
-  IxoMepValueSet scope;
-  Bind(scope, outside);
+  Scene scene;
   String text;
   IxoMepValue* slot = nullptr;
   const IxoMepErrorEnum code =
-      parser.Evaluate(&scope, slot, text, setting.strict, setting.own_scope);
+      parser.Evaluate(&scene.scope(), slot, text, setting.strict, setting.own_scope);
   const ValuePtr result(slot);
   UsePrograms(before);
   Check(code == IMEPERR_NONE || result == nullptr, "a failure leaves a value");
   Check(code >= 0 && code <= 43, "an unknown code");
   return "code " + std::to_string(code) + " \"" + std::string(text.view()) + "\" " +
-         Shown(result.get()) + "\nw -> " + Shown(&outside) + "\n" + Variables(scope);
+         Shown(result.get()) + "\nw -> " + Shown(&scene.outside()) + "\n" +
+         Variables(scene.scope());
 }
 
 std::string CheckBothWays(const IxoMepExpressionParser& parser, const Setting& setting) {
