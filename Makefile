@@ -54,6 +54,21 @@ bench: build-bench ## build the benchmarks in release and run each
 fuzz: build-fuzz ## run each fuzz target for FUZZ_SECONDS=60 and print a table
 	@python3 scripts/run_fuzzers.py build/fuzz $(FUZZ_SECONDS)
 
+coverage: ## run the tests with counters and fail below 97 % of the lines or 90 % of the branches
+	@$(MAKE) --no-print-directory build-coverage
+	@find build/coverage -name '*.gcda' -delete
+	@ctest --preset coverage -E '(house|install)\.' -j $(JOBS)
+	@python3 scripts/coverage.py build/coverage
+
+mutation: tools-build ## change the library in MUTANTS=500 small ways, by SEED=1, and name what no test notices
+	@python3 scripts/mutate.py --mutants $(MUTANTS) --seed $(SEED) --jobs $(JOBS) --work build/mutation
+
+valgrind: tools-valgrind build-dev ## run the test programs under memcheck
+	@python3 scripts/run_valgrind.py build/dev
+
+cppcheck: tools-lint ## run cppcheck alone, without a build
+	@scripts/lint.sh cppcheck $(JOBS)
+
 docs: build-dev ## run the examples of the documents and check the map of the sources
 	@ctest --preset dev -R 'house|docs'
 
@@ -93,3 +108,5 @@ build-bench: tools-bench
 	@$(call BUILD,bench)
 build-fuzz: tools-fuzz
 	@$(call BUILD,fuzz)
+build-coverage: tools-build
+	@$(call BUILD,coverage)

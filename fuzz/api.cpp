@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/support/api_parts.h"
 #include "fuzz/support/bounds.h"
 #include "fuzz/support/bytes.h"
 #include "fuzz/support/evaluation.h"
 #include "fuzz/support/fuzz_host.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/messages/message.h"
-#include "ixomep/messages/message_port.h"
 #include "ixomep/messages/message_port_manager.h"
 #include "ixomep/parser/parser.h"
 #include "ixomep/values/object.h"
@@ -41,43 +41,6 @@ constexpr std::string_view kTexts[] = {"a := 1, b := {1, 2, a}",
                                        "b.sort(lambda(x, y, x < y))",
                                        "aappend(b, b), b",
                                        "try(1 / 0, a)"};
-constexpr const char* (*kPorts[])() noexcept = {&IxoMessagePort::Core, &IxoMessagePort::DB,
-                                                &IxoMessagePort::IQL};
-
-// Answers every message, and now and then sends another one or ends itself.
-class Port : public IxoMessagePort {
- public:
-  Port(const char* name, std::unique_ptr<Port>& self) : IxoMessagePort(name), self_(self) {}
-  bool IsAvailable() override { return true; }
-  void Activate() override {}
-  void Deactivate() override {}
-  void Receive(IxoMessage& message) override {
-    message.SetAnswer("heard " + message.GetText());
-    if (message.GetText() == "go") self_.reset();
-  }
-
- private:
-  std::unique_ptr<Port>& self_;
-};
-
-// A result slot for a call: the value of a place, or null to receive a new one, which then goes to
-// the place. Whatever happens, the value has an owner afterwards.
-class Slot {
- public:
-  Slot(ValuePtr& place, bool is_given) : place_(place), raw(is_given ? place.release() : nullptr) {}
-  Slot(const Slot&) = delete;
-  Slot& operator=(const Slot&) = delete;
-  ~Slot() {
-    if (raw != nullptr) place_.reset(raw);
-    if (place_ == nullptr) place_ = ixomep::MakeValue();
-  }
-
- private:
-  ValuePtr& place_;
-
- public:
-  IxoMepValue* raw;
-};
 
 // Everything that the operations work on.
 class Machine {
