@@ -1,6 +1,7 @@
 // Fuzz target: different forms of one expression. A copy of a tree has its shape and gives what the
 // tree gives; so does the pretty text, read again, of trees that it can tell; so does a copy that
 // has captured the variables, when evaluating it changes nothing.
+#include <cctype>
 #include <memory>
 #include <vector>
 
@@ -61,9 +62,11 @@ bool IsToldAsParameter(const IxoMepExprNode& item) {
   return value != nullptr && value->GetType() != Kind::Comma && value->GetType() != Kind::Assign;
 }
 
+// A "?" in front of a name is not printed, and what stands behind it need not look like a name.
 bool HasName(const IxoMepExprNode* node) {
-  return node != nullptr && node->GetType() == Kind::Variable && !node->GetName().IsEmpty() &&
-         node->GetName().view().find_first_of("{?") == std::string_view::npos;
+  if (node == nullptr || node->GetType() != Kind::Variable) return false;
+  const char* const name = node->GetNameAddress();
+  return name != nullptr && std::islower(static_cast<unsigned char>(*name)) != 0;
 }
 
 bool IsTold(const IxoMepExprNode& node) {

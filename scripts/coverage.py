@@ -12,7 +12,9 @@ are left out: nearly every call has one, and what they lead to is tested by lett
 fail (tests/faults). Lines listed in ALLOWED are left out too, with the reason that stands there.
 
 Prints a table by folder, the lines and the branches that were never taken, and fails below the
-percentages (97 and 90).
+percentages (97 and 90). What stays not run is, by kind: answers to a failure inside the answer to a
+failure (no memory for the message either), answers to threads and hosts that no test has (a host
+whose StackLimit throws), and defaults of switches over all values.
 """
 import argparse
 import collections
@@ -28,8 +30,12 @@ from concurrent.futures import ThreadPoolExecutor
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 
-# (file, text of the line) as regular expressions -> why no test reaches it
+# (file, text of the line) as regular expressions -> why no test reaches it; for a line that opens a
+# catch block, the whole block
 ALLOWED = [
+    (r".*", r"^\} catch \(const std::length_error&\) \{$", "a text of more than two gigabytes"),
+    (r"ixomep/parser/literal_reader\.cpp", r"IxoMepValue::Create(String|Expression|Array)\(|Run\(ixomep::Read(String|Expression|Array),",
+     "private names that the class declares; what is behind them is run by Create"),
 ]
 
 
@@ -71,8 +77,20 @@ def read_sources(names):
     return {name: (ROOT / name).read_text(encoding="utf-8").splitlines() for name in names}
 
 
-def is_allowed(name, text):
-    return any(re.fullmatch(file, name) and re.search(pattern, text) for file, pattern, _ in ALLOWED)
+def allowed_lines(name, lines):
+    """The numbers of the lines of a file that ALLOWED leaves out."""
+    allowed, block = set(), None
+    for number, line in enumerate(lines, 1):
+        text, indent = line.strip(), len(line) - len(line.lstrip())
+        if block is not None and indent <= block and text.startswith("}"):
+            block = None
+        if any(re.fullmatch(file, name) and re.search(pattern, text) for file, pattern, _ in ALLOWED):
+            allowed.add(number)
+            if text.endswith("{") and "catch" in text:
+                block = indent
+        elif block is not None:
+            allowed.add(number)
+    return allowed
 
 
 def percent(part, whole):
@@ -101,9 +119,10 @@ def main():
     missed = []
     for name in sorted(counts.lines):
         folder = os.path.dirname(name)
+        allowed = allowed_lines(name, sources[name])
         for number in sorted(counts.lines[name]):
             text = sources[name][number - 1].strip()
-            if is_allowed(name, text):
+            if number in allowed:
                 continue
             run = counts.lines[name][number] > 0
             ways = counts.branches[name][number]
