@@ -33,7 +33,9 @@ def run(build, program):
     out = ":".join(MEASURING + LEFT_OUT.get(program, []))
     command = ["valgrind", "--quiet", "--error-exitcode=99", "--leak-check=full",
                "--errors-for-leak-kinds=definite", "--show-leak-kinds=definite",
-               "--main-stacksize=8388608", str(build / "tests" / f"{program}_tests"), "--gtest_brief=1",
+               "--main-stacksize=8388608",
+               f"--suppressions={pathlib.Path(__file__).with_name('valgrind.supp')}",
+               str(build / "tests" / f"{program}_tests"), "--gtest_brief=1",
                f"--gtest_filter=-{out}"]
     begin = time.monotonic()
     try:
