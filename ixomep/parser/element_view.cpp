@@ -11,12 +11,13 @@ IxoMepElement* EmptyElement() noexcept {
 }
 
 std::string_view BodyView::Text(String& room) const {
-  if (document_ != nullptr) {
+  const IxoMepParser* const parser = Parser();
+  if (parser == nullptr) {
     const BodyRecord& body = document_->Body(index_);
     return document_->Text().view().substr(body.start, body.end - body.start);
   }
-  room = made_->GetText();
-  if (room.Len() != made_->GetTextLen()) throw std::bad_alloc();
+  room = parser->GetText();
+  if (room.Len() != parser->GetTextLen()) throw std::bad_alloc();
   return room.view();
 }
 

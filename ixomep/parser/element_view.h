@@ -69,7 +69,7 @@ class BodyView {
       : document_(&document), index_(index) {}
 
   explicit operator bool() const noexcept { return made_ != nullptr || document_ != nullptr; }
-  // Null when there is none yet. The host may ask for it at any time.
+  // Null when there is none yet. The host may ask for it at any time, and give it another text.
   IxoMepParser* Parser() const noexcept {
     return document_ != nullptr ? document_->MadeParser(index_) : made_;
   }
@@ -225,8 +225,9 @@ inline ValueView AttributeView::Value() const noexcept {
 }
 
 inline std::int32_t BodyView::Count() const noexcept {
-  return document_ != nullptr ? static_cast<std::int32_t>(document_->Body(index_).count)
-                              : made_->GetElemCount();
+  const IxoMepParser* const parser = Parser();
+  return parser != nullptr ? parser->GetElemCount()
+                           : static_cast<std::int32_t>(document_->Body(index_).count);
 }
 
 inline ElementView BodyView::Enter(std::int32_t index) const {

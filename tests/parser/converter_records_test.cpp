@@ -196,6 +196,22 @@ TEST(ConverterOfRecords, A_value_that_the_host_has_changed_is_written) {
             "<a val-a=\"1\">\n    <b val-b=\"20\" />\n</a>\n<c val-c=\"3\" />\n");
 }
 
+TEST(ConverterOfRecords, A_body_that_the_host_has_changed_is_written) {
+  IxoMepConverter converter("A x: { B } { C }\nD { E }\nF { G }");
+  ASSERT_EQ(converter.Parse(), IMEPERR_NONE);
+  converter.GetBodyParser("x")->SetText("longer than before");
+  IxoMepParser& more = *converter.GetBodyParser(1);
+  ASSERT_EQ(more.Parse(), IMEPERR_NONE);
+  IxoMepParser& other = *converter.GetBodyParser(2);
+  other.SetText("H I J");
+  ASSERT_EQ(other.Parse(), IMEPERR_NONE);
+  EXPECT_EQ(Bytes(converter.ToXML(false, "")),
+            "<a val-x=\"longer than before\">\n    <c />\n</a>\n"
+            "<d>\n    <e />\n    <e />\n</d>\n"
+            "<f>\n    <h />\n    <i />\n    <j />\n</f>\n");
+  EXPECT_EQ(other.GetCurElemIndex(), 2);
+}
+
 TEST(ConverterOfRecords, Names_that_become_one_in_xml_are_written_once) {
   IxoMepConverter converter("A n\xD7: 1 n_: 2 n\xA9: 3 m\nB n_: 4 n\xA9: 5\nC n\xA9: 6");
   ASSERT_EQ(converter.Parse(), IMEPERR_NONE);
