@@ -11,29 +11,33 @@ namespace ixomep::bench {
 
 namespace {
 
-void AddValue(const IxoMepValue* value, Counts& counts) {
-  if (value == nullptr) return;
-  if (value->GetType() == IxoMepValueType::String) {
-    counts.text_bytes += value->GetStr().Len();
-  } else {
-    ++counts.numbers;
+void AddAttribute(const IxoMepParser& parser, std::int32_t position, Counts& counts) {
+  counts.text_bytes += parser.GetModifierOfPos(position).Len();
+  switch (parser.GetValueTypeOfPos(position)) {
+    case IxoMepValueType::String:
+      counts.text_bytes += parser.GetStrValue(parser.GetAttrNameOfPos(position)).Len();
+      break;
+    case IxoMepValueType::Undefined:
+      break;
+    default:
+      ++counts.numbers;
   }
 }
 
-void Walk(const IxoMepParser& parser, Counts& counts) {
-  const std::int32_t element_count = parser.GetElemCount();
-  for (std::int32_t i = 0; i < element_count; ++i) {
-    const IxoMepElement& element = *parser.GetElement(i);
+// All elements at all depths, by queries of the current element. None of them asks for an element
+// or a value as an object.
+void Walk(IxoMepParser& parser, Counts& counts) {
+  for (std::int32_t i = 0; parser.SetCurElemIndex(i); ++i) {
     ++counts.elements;
-    AddValue(element.GetValue(), counts);
-    const std::int32_t attribute_count = element.GetAttrCount();
-    counts.attributes += attribute_count;
-    for (std::int32_t k = 0; k < attribute_count; ++k) {
-      const IxoMepAttribute& attribute = *element.GetAttr(k);
-      counts.text_bytes += attribute.GetModifier().Len();
-      AddValue(attribute.GetValue(), counts);
+    if (parser.GetValueType() == IxoMepValueType::String) {
+      counts.text_bytes += parser.GetStrValue().Len();
+    } else if (parser.GetValueType() != IxoMepValueType::Undefined) {
+      ++counts.numbers;
     }
-    if (const IxoMepParser* const body = element.GetBodyParser()) Walk(*body, counts);
+    const std::int32_t attribute_count = parser.GetAttrCount();
+    counts.attributes += attribute_count;
+    for (std::int32_t k = 0; k < attribute_count; ++k) AddAttribute(parser, k, counts);
+    if (IxoMepParser* const body = parser.GetBodyParser()) Walk(*body, counts);
   }
 }
 

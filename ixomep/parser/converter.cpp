@@ -1,12 +1,15 @@
 // Definition texts as XML. The walk keeps its own stack, since bodies nest as deep as a text
-// likes. What it asks of the parsed text stands in "The tree" alone; what it writes goes through
-// XmlBuffer. See converter.h.
+// likes. It goes over views, so that what was read into records is written from the records; what
+// it writes goes through XmlBuffer. See converter.h.
 #include "ixomep/parser/converter.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
+#include <functional>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -14,6 +17,9 @@
 #include "ixomep/host/encodings.h"
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/host/numbers.h"
+#include "ixomep/parser/element_view.h"
+#include "ixomep/parser/literal_number.h"
+#include "ixomep/parser/literal_reader.h"
 #include "ixomep/parser/query_support.h"
 #include "ixomep/parser/xml_buffer.h"
 #include "ixomep/parser/xml_names.h"
@@ -23,71 +29,15 @@
 
 namespace {
 
+using ixomep::AttributeView;
+using ixomep::BodyView;
+using ixomep::ElementView;
+using ixomep::LiteralKind;
+using ixomep::ValueView;
+
 constexpr const char* kContext = "IxoMepConverter";
 constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 constexpr std::size_t kIndent = 4;
-
-// --- The tree -----------------------------------------------------------------------------------
-
-// The parts of an element and of an attribute. Borrowed; null where there is none.
-struct ElementParts {
-  const String& keyword;
-  const IxoMepValue* value;
-  std::int32_t attribute_count;
-  IxoMepParser* body;
-};
-struct AttributeParts {
-  const String& name;
-  const String& modifier;
-  const IxoMepValue* value;
-  const IxoMepParser* body;
-};
-
-constexpr std::int32_t kAhead = 8;
-
-void Prefetch(const void* place) noexcept {
-#ifdef __GNUC__
-  __builtin_prefetch(place);
-#else
-  (void)place;
-#endif
-}
-
-ElementParts PartsOf(const IxoMepElement& element) noexcept {
-  return {element.GetKeyword(), element.GetValue(), element.GetAttrCount(),
-          element.GetBodyParser()};
-}
-
-AttributeParts PartsOf(const IxoMepElement& element, std::int32_t position) noexcept {
-  const IxoMepAttribute& attribute = *element.GetAttr(position);
-  return {attribute.GetName(), attribute.GetModifier(), attribute.GetValue(),
-          attribute.GetBodyParser()};
-}
-
-// Makes the element current; null behind the last one. The parts lie scattered in memory: what
-// will be read soon is asked for ahead.
-const IxoMepElement* MakeCurrent(IxoMepParser& parser, std::int32_t index) {
-  if (!parser.SetCurElemIndex(index)) return nullptr;
-  const IxoMepElement& element = *parser.GetCurElement();
-  if (const IxoMepElement* const next = parser.GetElement(index + 1)) {
-    Prefetch(parser.GetElement(index + 2));
-    for (std::int32_t i = 0; i < std::min(next->GetAttrCount(), kAhead); ++i) {
-      Prefetch(next->GetAttr(i));
-    }
-  }
-  for (std::int32_t i = 0; i < std::min(element.GetAttrCount(), kAhead); ++i) {
-    const IxoMepAttribute& attribute = *element.GetAttr(i);
-    Prefetch(attribute.GetValue());
-  }
-  return &element;
-}
-
-// The text between the braces.
-String TextOfBody(const IxoMepParser& body) {
-  String text = body.GetText();
-  if (text.Len() != body.GetTextLen()) throw std::bad_alloc();
-  return text;
-}
 
 // --- Writing ------------------------------------------------------------------------------------
 
@@ -112,6 +62,30 @@ void ReserveFor(std::int32_t text_length, String& xml) {
   xml.Reserve(static_cast<std::int32_t>(usual));
 }
 
+// The export texts of expressions that are compiled when they are asked for. Those met lately are
+// kept: the same source is often there many times.
+class SourceTexts {
+ public:
+  // Borrowed until the next call.
+  const String& Of(const ValueView& value) {
+    const std::string_view source = value.Source();
+    Known& known = known_[std::hash<std::string_view>()(source) % known_.size()];
+    if (known.source != source || known.text.IsEmpty()) {
+      IxoMepValue room;
+      known.text = ExportTextOf(*value.Get(room));
+      known.source = source;
+    }
+    return known.text;
+  }
+
+ private:
+  struct Known {
+    std::string_view source;
+    String text;
+  };
+  std::array<Known, 64> known_;
+};
+
 class Writer {
  public:
   Writer(ixomep::XmlBuffer& out, bool references, bool xml_names)
@@ -121,90 +95,116 @@ class Writer {
         is_ascii_itself_(IsAsciiItself()) {}
 
   void Write(IxoMepParser& parser) {
-    levels_.push_back({&parser});
+    levels_.push_back({BodyView(&parser)});
     while (!levels_.empty()) Step();
   }
 
  private:
   // Where the walk stands in one body.
   struct Level {
-    IxoMepParser* parser;
+    BodyView body;
     std::int32_t next = 0;
+    std::string_view keyword = {};  // of the element that has the body
   };
 
   void Step() {
     Level& level = levels_.back();
-    const IxoMepElement* const element = MakeCurrent(*level.parser, level.next++);
-    if (element == nullptr) {
-      if (level.next < level.parser->GetElemCount()) throw std::bad_alloc();
-      levels_.pop_back();
-      if (!levels_.empty()) WriteEnd(*levels_.back().parser->GetCurElement());
-      return;
-    }
-    const ElementParts parts = PartsOf(*element);
-    WriteStart(*element, parts);
-    if (parts.body != nullptr) {
+    if (level.next == level.body.Count()) return Leave();
+    const ElementView element = level.body.Enter(level.next++);
+    if (!element) throw std::bad_alloc();
+    WriteStart(element);
+    if (const BodyView body = element.BodyPlace()) {
       out_.Literal(">\n");
-      levels_.push_back({parts.body});
+      levels_.push_back({body, 0, element.KeywordBytes()});
     } else {
       out_.Literal(" />\n");
     }
+  }
+
+  void Leave() {
+    levels_.back().body.LeaveAtLast();
+    const std::string_view keyword = levels_.back().keyword;
+    levels_.pop_back();
+    if (levels_.empty()) return;
+    WriteIndent();
+    out_.Literal("</");
+    WriteTag(keyword);
+    out_.Literal(">\n");
   }
 
   void WriteIndent() {
     if (levels_.size() > 1) out_.Blanks(kIndent * (levels_.size() - 1));
   }
 
-  void WriteEnd(const IxoMepElement& element) {
-    WriteIndent();
-    out_.Literal("</");
-    WriteTag(element.GetKeyword());
-    out_.Literal(">\n");
-  }
-
-  void WriteStart(const IxoMepElement& element, const ElementParts& parts) {
+  void WriteStart(const ElementView& element) {
     WriteIndent();
     out_.Append('<');
-    WriteTag(parts.keyword);
-    if (parts.value != nullptr) {
+    WriteTag(element.KeywordBytes());
+    if (const ValueView value = element.Value()) {
       out_.Literal(" val=\"");
-      WriteValue(*parts.value);
+      WriteValue(value);
       out_.Append('"');
     }
+    if (const ixomep::Document* const records = element.Records()) {
+      WriteAttributes(*records, element);
+    } else {
+      WriteAttributes(element);
+    }
+  }
+
+  void WriteAttributes(const ElementView& element) {
     written_.Clear();
-    for (std::int32_t i = 0; i < parts.attribute_count; ++i) {
-      const AttributeParts attribute = PartsOf(element, i);
-      const String& name = xml_names_ ? xml_name_of_.Of(attribute.name) : attribute.name;
+    const std::int32_t count = element.AttrCount();
+    for (std::int32_t i = 0; i < count; ++i) {
+      const AttributeView attribute = element.Attr(i);
+      const String& name = xml_names_ ? xml_name_of_.Of(attribute.Name()) : attribute.Name();
       if (written_.Insert(name)) WriteAttribute(attribute, name.view());
     }
   }
 
-  void WriteTag(const String& keyword) {
-    if (xml_names_ && keyword == ";") return out_.Literal("statement");
-    for (std::string_view rest = keyword.view(); !rest.empty();) {
-      const std::size_t count = std::min(rest.size(), ixomep::XmlBuffer::kBlockSize);
-      char* const tag = out_.Room(count);
-      out_.Advance(std::transform(
-          rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(count), tag, [](char byte) {
-            const bool is_upper = byte >= 'A' && byte <= 'Z';
-            const char lower = static_cast<char>(byte + (is_upper ? 32 : 0));
-            return byte == '_' ? '-' : lower;
-          }));
-      rest.remove_prefix(count);
+  // Names in records have numbers, and none has several lines.
+  void WriteAttributes(const ixomep::Document& records, const ElementView& element) {
+    const std::int32_t count = element.AttrCount();
+    if (count == 0) return;
+    if (!numbered_ || records_ != &records) {
+      numbered_.emplace(records.Names(), xml_names_);
+      records_ = &records;
+    }
+    numbered_->Begin();
+    for (std::int32_t i = 0; i < count; ++i) {
+      const AttributeView attribute = element.Attr(i);
+      std::string_view name;
+      if (numbered_->Insert(attribute.NameNumber(), name)) WriteAttribute(attribute, name);
     }
   }
 
-  void WriteAttribute(const AttributeParts& attribute, std::string_view name) {
-    if (!attribute.modifier.IsEmpty()) {
+  void WriteTag(std::string_view keyword) {
+    if (xml_names_ && keyword == ";") return out_.Literal("statement");
+    while (!keyword.empty()) {
+      const std::size_t count = std::min(keyword.size(), ixomep::XmlBuffer::kBlockSize);
+      char* tag = out_.Room(count);
+      for (const char byte : keyword.substr(0, count)) {
+        const bool is_upper = byte >= 'A' && byte <= 'Z';
+        const char lower = static_cast<char>(byte + (is_upper ? 32 : 0));
+        *tag++ = byte == '_' ? '-' : lower;
+      }
+      out_.Advance(tag);
+      keyword.remove_prefix(count);
+    }
+  }
+
+  void WriteAttribute(const AttributeView& attribute, std::string_view name) {
+    const std::string_view modifier = attribute.ModifierBytes();
+    if (!modifier.empty()) {
       out_.Literal(" modifier-");
       out_.Append(name);
       out_.Literal("=\"");
-      out_.Append(attribute.modifier.view());
+      out_.Append(modifier);
       out_.Append('"');
     }
-    const bool has_value =
-        attribute.value != nullptr && attribute.value->GetType() != IxoMepValueType::Undefined;
-    if (attribute.body == nullptr && !has_value) {
+    const BodyView body = attribute.BodyPlace();
+    const ValueView value = attribute.Value();
+    if (!body && !IsDefined(value)) {
       out_.Literal(" opt-");
       out_.Append(name);
       out_.Literal("=\"true\"");
@@ -213,20 +213,55 @@ class Writer {
     out_.Literal(" val-");
     out_.Append(name);
     out_.Literal("=\"");
-    if (attribute.body != nullptr) {
-      WriteEscaped(TextOfBody(*attribute.body));
+    if (body) {
+      String room;
+      WriteEscaped(body.Text(room));
     } else {
-      WriteValue(*attribute.value);
+      WriteValue(value);
     }
     out_.Append('"');
   }
 
-  // The export text. That of a number has nothing to escape.
-  void WriteValue(const IxoMepValue& value) {
+  static bool IsDefined(const ValueView& value) {
+    IxoMepValueType type = IxoMepValueType::Undefined;
+    return !value.GetType(type) || type != IxoMepValueType::Undefined;
+  }
+
+  // The export text of a value, most literals as they stand in the text.
+  void WriteValue(const ValueView& value) {
+    if (!is_ascii_itself_) return WriteMadeValue(value);
+    switch (value.Kind()) {
+      case LiteralKind::String:
+        return WriteEscaped(value.Source());
+      case LiteralKind::Escaped:
+        if (value.Source().size() > kPiece) return WriteMadeValue(value);
+        {
+          char* const end = ixomep::Unescape(value.Source(), piece_.data());
+          return WriteEscaped({piece_.data(), static_cast<std::size_t>(end - piece_.data())});
+        }
+      case LiteralKind::Integer:
+        // Zeros in front, and a sign of zero, get lost.
+        if (value.Source()[value.Source().front() == '-'] == '0') return WriteMadeValue(value);
+        return out_.Append(value.Source());
+      case LiteralKind::Measure:
+        return WriteMeasure(ixomep::NumberOfPlainMeasure(value.Source()));
+      case LiteralKind::Time:
+        return WriteTime(ixomep::NumberOfPlainMeasure(value.Source()));
+      case LiteralKind::Source:
+        return WriteEscaped(source_texts_.Of(value).view());
+      default:
+        return WriteMadeValue(value);
+    }
+  }
+
+  // That of a number has nothing to escape.
+  void WriteMadeValue(const ValueView& view) {
     using ixomep::ValueAccess;
+    IxoMepValue room;
+    const IxoMepValue& value = *view.Get(room);
     const IxoMepValueType type = value.GetType();
-    if (type == IxoMepValueType::String) return WriteEscaped(ValueAccess::Text(value));
-    if (!is_ascii_itself_) return WriteEscaped(ExportTextOf(value));
+    if (type == IxoMepValueType::String) return WriteEscaped(ValueAccess::Text(value).view());
+    if (!is_ascii_itself_) return WriteEscaped(ExportTextOf(value).view());
     switch (type) {
       case IxoMepValueType::Integer: {
         char* const out = out_.Room(kIntegerSize);
@@ -236,36 +271,47 @@ class Writer {
       case IxoMepValueType::Real:
         return Advance(ixomep::FormatReal(ValueAccess::Number(value), /*period=*/false,
                                           out_.Room(ixomep::kFormatRealSize)));
-      case IxoMepValueType::Measure: {
-        char buffer[ixomep::kTenthsTextSize];
-        const std::int32_t tenths = ixomep::WholeTenthsOf(ValueAccess::Number(value));
-        return out_.Append(ixomep::WriteTenths(tenths, buffer));
-      }
+      case IxoMepValueType::Measure:
+        return WriteMeasure(ValueAccess::Number(value));
       case IxoMepValueType::Time:
-        return Advance(
-            ixomep::FormatTime(ValueAccess::Number(value), out_.Room(ixomep::kFormatTimeSize)));
+        return WriteTime(ValueAccess::Number(value));
       default:
-        return WriteEscaped(ExportTextOf(value));
+        return WriteEscaped(ExportTextOf(value).view());
     }
+  }
+
+  void WriteMeasure(double tenths) {
+    char buffer[ixomep::kTenthsTextSize];
+    out_.Append(ixomep::WriteTenths(ixomep::WholeTenthsOf(tenths), buffer));
+  }
+
+  void WriteTime(double seconds) {
+    Advance(ixomep::FormatTime(seconds, out_.Room(ixomep::kFormatTimeSize)));
   }
 
   // What has been written into the buffer's room.
   void Advance(std::string_view written) { out_.Advance(written.data() + written.size()); }
 
-  void WriteEscaped(const String& text) {
-    if (is_ascii_itself_ && out_.AppendEscaped(text.view())) return;
-    out_.Append(IxoSGMLString::XMLStr(text, references_).view());
+  void WriteEscaped(std::string_view text) {
+    if (is_ascii_itself_ && out_.AppendEscaped(text)) return;
+    out_.Append(IxoSGMLString::XMLStr(String(text), references_).view());
   }
 
   static constexpr std::size_t kIntegerSize = 12;
+  static constexpr std::size_t kPiece = 512;
 
   ixomep::XmlBuffer& out_;
   bool references_;
   bool xml_names_;
   bool is_ascii_itself_;
   std::vector<Level> levels_;
+  // Of elements that are objects, and of those in records.
   ixomep::XmlNameSet written_;
   ixomep::XmlNames xml_name_of_;
+  const ixomep::Document* records_ = nullptr;
+  std::optional<ixomep::XmlNumberedNames> numbered_;
+  SourceTexts source_texts_;
+  std::array<char, kPiece> piece_;
 };
 
 }  // namespace

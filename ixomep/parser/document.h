@@ -80,6 +80,8 @@ struct BodyRecord {
   std::uint32_t start;
   std::uint32_t end;
   bool has_loose;  // the element before the first one holds the attributes before it
+  // A walk has gone over it before it had a parser: that starts at the last element.
+  mutable bool is_left_at_last;
 };
 
 // A value that reading had to make: an expression that was compiled and folded.
@@ -111,6 +113,11 @@ class Document {
     return made_[literal.at].value.get();
   }
   const BodyRecord& Body(std::uint32_t index) const noexcept { return bodies_[index]; }
+  // The parser of a body; null while nobody has asked for it.
+  IxoMepParser* MadeParser(std::uint32_t index) const noexcept {
+    return parsers_.IsEmpty() ? nullptr : parsers_[index];
+  }
+  void LeaveAtLast(std::uint32_t index) const noexcept { bodies_[index].is_left_at_last = true; }
   const NameTable& Names() const noexcept { return names_; }
   // The first attribute of that name; kNoRecord when there is none.
   std::uint32_t FindAttribute(const ElementRecord& element, std::string_view name) const noexcept;

@@ -36,9 +36,12 @@ Document::~Document() {
 IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
   const std::string_view bytes = text_.view();
   switch (literal.Kind()) {
-    case LiteralKind::String: {
+    case LiteralKind::String:
+    case LiteralKind::Escaped: {
+      const std::string_view content = bytes.substr(literal.at, literal.size);
       IxoMepValue value;
-      ValueAccess::SetText(value, String(bytes.substr(literal.at, literal.size)));
+      ValueAccess::SetText(
+          value, literal.Kind() == LiteralKind::String ? String(content) : Unescape(content));
       return value;
     }
     case LiteralKind::Integer:
@@ -53,7 +56,7 @@ IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
       return std::move(*CompileSource(literal));
     default: {
       LiteralContext context(nullptr, 0);
-      std::size_t position = literal.at - (literal.Kind() == LiteralKind::Escaped ? 1 : 0);
+      std::size_t position = literal.at;
       const ValuePtr value = ixomep::ReadLiteral({bytes}, position, context);
       if (value == nullptr) throw std::bad_alloc();
       return std::move(*value);

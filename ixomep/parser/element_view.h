@@ -1,6 +1,7 @@
 // Internal: an element or attribute to look at, whether it is an object or still a record. A walk
-// over views makes no objects but the parsers of bodies. What a view gives is borrowed and lasts
-// as long as the parser's elements. Making a name's text or a body may throw std::bad_alloc.
+// over views makes no objects but the parsers of bodies, and one over the views of bodies not even
+// those. What a view gives is borrowed and lasts as long as the parser's elements. Making a name's
+// text or a body's parser may throw std::bad_alloc.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +16,8 @@ namespace ixomep {
 
 // The current element of a parser that has none.
 IxoMepElement* EmptyElement() noexcept;
+
+class ElementView;
 
 // A stored value: an object, a literal that is read when it is asked for, or none.
 class ValueView {
@@ -36,10 +39,18 @@ class ValueView {
   }
   // The type of the value; false when it takes reading the literal to tell.
   bool GetType(IxoMepValueType& type) const noexcept;
+  // Of a literal that is read when it is asked for: its kind, and its text, between its quotes or
+  // brackets. None for other values.
+  LiteralKind Kind() const noexcept {
+    return literal_ != nullptr ? literal_->Kind() : LiteralKind::None;
+  }
+  std::string_view Source() const noexcept {
+    return document_->Text().view().substr(literal_->at, literal_->size);
+  }
   // The text of a string literal without escapes, as it stands; false for any other value.
   bool GetPlainText(std::string_view& text) const noexcept {
     if (literal_ == nullptr || literal_->Kind() != LiteralKind::String) return false;
-    text = document_->Text().view().substr(literal_->at, literal_->size);
+    text = Source();
     return true;
   }
 
@@ -47,6 +58,34 @@ class ValueView {
   const IxoMepValue* made_ = nullptr;
   const Document* document_ = nullptr;
   const LiteralRecord* literal_ = nullptr;
+};
+
+// A body, whether it has a parser or not.
+class BodyView {
+ public:
+  BodyView() = default;
+  explicit BodyView(IxoMepParser* made) noexcept : made_(made) {}
+  BodyView(const Document& document, std::uint32_t index) noexcept
+      : document_(&document), index_(index) {}
+
+  explicit operator bool() const noexcept { return made_ != nullptr || document_ != nullptr; }
+  // Null when there is none yet. The host may ask for it at any time, and give it another text.
+  IxoMepParser* Parser() const noexcept {
+    return document_ != nullptr ? document_->MadeParser(index_) : made_;
+  }
+  std::int32_t Count() const noexcept;
+  // The element at an index, which becomes current where there is a parser; none when the index
+  // is out of range.
+  ElementView Enter(std::int32_t index) const;
+  // The last element is current now, also for a parser that is made later.
+  void LeaveAtLast() const;
+  // What stands between the braces; `room` keeps a text that has to be put together.
+  std::string_view Text(String& room) const;
+
+ private:
+  IxoMepParser* made_ = nullptr;
+  const Document* document_ = nullptr;
+  std::uint32_t index_ = 0;
 };
 
 class AttributeView {
@@ -59,8 +98,13 @@ class AttributeView {
   explicit operator bool() const noexcept { return made_ != nullptr || record_ != nullptr; }
   const String& Name() const;
   const String& Modifier() const;
-  // Null when there is none.
+  std::string_view NameBytes() const noexcept;
+  std::string_view ModifierBytes() const noexcept;
+  // The number of the name in the document's table, of records only.
+  std::uint32_t NameNumber() const noexcept { return record_->name; }
+  // Null, none, when there is none.
   IxoMepParser* Body() const;
+  BodyView BodyPlace() const noexcept;
   bool HasValue() const noexcept;
   ValueView Value() const noexcept;
 
@@ -81,10 +125,13 @@ class ElementView {
 
   explicit operator bool() const noexcept { return made_ != nullptr || record_ != nullptr; }
   bool IsRecord() const noexcept { return record_ != nullptr; }
+  const Document* Records() const noexcept { return record_ != nullptr ? document_ : nullptr; }
   const String& Keyword() const;
+  std::string_view KeywordBytes() const noexcept;
   std::int32_t StartOffset() const noexcept;
-  // Null when there is none.
+  // Null, none, when there is none.
   IxoMepParser* Body() const;
+  BodyView BodyPlace() const noexcept;
   bool HasValue() const noexcept;
   ValueView Value() const noexcept;
   std::int32_t AttrCount() const noexcept;
@@ -148,6 +195,21 @@ inline const String& AttributeView::Modifier() const {
   return made_ != nullptr ? made_->GetModifier() : document_->Names().Text(record_->modifier);
 }
 
+inline std::string_view AttributeView::NameBytes() const noexcept {
+  return made_ != nullptr ? made_->GetName().view() : document_->Names().View(record_->name);
+}
+
+inline std::string_view AttributeView::ModifierBytes() const noexcept {
+  return made_ != nullptr ? made_->GetModifier().view()
+                          : document_->Names().View(record_->modifier);
+}
+
+inline BodyView AttributeView::BodyPlace() const noexcept {
+  if (made_ != nullptr) return BodyView(made_->GetBodyParser());
+  const bool has_body = record_->literal.Kind() == LiteralKind::Body;
+  return has_body ? BodyView(*document_, record_->literal.at) : BodyView();
+}
+
 inline IxoMepParser* AttributeView::Body() const {
   if (made_ != nullptr) return made_->GetBodyParser();
   const bool has_body = record_->literal.Kind() == LiteralKind::Body;
@@ -162,12 +224,42 @@ inline ValueView AttributeView::Value() const noexcept {
   return made_ != nullptr ? ValueView(made_->GetValue()) : ValueView(*document_, record_->literal);
 }
 
+inline std::int32_t BodyView::Count() const noexcept {
+  const IxoMepParser* const parser = Parser();
+  return parser != nullptr ? parser->GetElemCount()
+                           : static_cast<std::int32_t>(document_->Body(index_).count);
+}
+
+inline ElementView BodyView::Enter(std::int32_t index) const {
+  if (IxoMepParser* const parser = Parser()) {
+    parser->SetCurElemIndex(index);
+    return ElementView::Of(*parser, index);
+  }
+  const BodyRecord& body = document_->Body(index_);
+  const auto at = static_cast<std::uint32_t>(index);
+  if (at >= body.count) return {};
+  return {*document_, body.first + at, /*is_loose=*/false};
+}
+
+inline void BodyView::LeaveAtLast() const {
+  if (document_ != nullptr) document_->LeaveAtLast(index_);
+}
+
 inline ElementView ElementView::Of(const IxoMepParser& parser, std::int32_t index) noexcept {
   return parser.ViewAt(index);
 }
 
 inline const String& ElementView::Keyword() const {
   return made_ != nullptr ? made_->GetKeyword() : document_->Names().Text(record_->keyword);
+}
+
+inline std::string_view ElementView::KeywordBytes() const noexcept {
+  return made_ != nullptr ? made_->GetKeyword().view() : document_->Names().View(record_->keyword);
+}
+
+inline BodyView ElementView::BodyPlace() const noexcept {
+  if (made_ != nullptr) return BodyView(made_->GetBodyParser());
+  return record_->body != kNoRecord ? BodyView(*document_, record_->body) : BodyView();
 }
 
 inline std::int32_t ElementView::StartOffset() const noexcept {

@@ -33,18 +33,6 @@ constexpr char Unescaped(char letter) noexcept {
   }
 }
 
-// The text of a string literal without its backslashes.
-String Unescape(std::string_view content) {
-  String text(content);
-  char* const bytes = text.MutableText();
-  std::size_t length = 0;
-  for (std::size_t i = 0; i < content.size(); ++i) {
-    bytes[length++] = content[i] == '\\' ? Unescaped(content[++i]) : content[i];
-  }
-  text.Resize(static_cast<std::int32_t>(length));
-  return text;
-}
-
 ValuePtr Fail(LiteralContext& context, IxoMepErrorEnum code) {
   context.code = Raise(context.error_text, code);
   return nullptr;
@@ -87,6 +75,20 @@ ValuePtr ReadTimeOrNumber(const LiteralText& text, std::size_t& position, Litera
 }
 
 }  // namespace
+
+char* Unescape(std::string_view content, char* out) noexcept {
+  for (std::size_t i = 0; i < content.size(); ++i) {
+    *out++ = content[i] == '\\' ? Unescaped(content[++i]) : content[i];
+  }
+  return out;
+}
+
+String Unescape(std::string_view content) {
+  String text(content);
+  char* const bytes = text.MutableText();
+  text.Resize(static_cast<std::int32_t>(Unescape(content, bytes) - bytes));
+  return text;
+}
 
 ValuePtr ReadString(const LiteralText& text, std::size_t& position, LiteralContext& context) {
   const std::string_view bytes = text.bytes;

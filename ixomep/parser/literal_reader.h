@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 
 #include "ixomep/parser/folded.h"
 #include "ixomep/parser/literal_number.h"
@@ -31,6 +32,11 @@ struct LiteralContext {
 
 // Made by the parser's factory; a plain one without a parser.
 std::unique_ptr<IxoMepExpressionParser> NewExpression(IxoMepParser* parser);
+
+// The text between the quotes of a string literal without its backslashes; the form with `out`
+// writes it there, where as many bytes have room, and gives its end.
+String Unescape(std::string_view content);
+char* Unescape(std::string_view content, char* out) noexcept;
 
 // Each reads at the position and moves behind the literal. Null on failure, with code and error
 // text set and the position where reading stopped.

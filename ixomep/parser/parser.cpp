@@ -73,7 +73,9 @@ IxoMepParser::IxoMepParser(const ixomep::Document& document,
       first_record_(body.first),
       record_count_(body.count),
       has_loose_record_(body.has_loose),
-      current_index_(body.count != 0 ? 0 : -1),
+      current_index_(body.is_left_at_last ? static_cast<std::int32_t>(body.count) - 1
+                     : body.count != 0    ? 0
+                                          : -1),
       current_(body.count != 0 || body.has_loose ? nullptr : ixomep::EmptyElement()),
       filename_stack_(document.FilenameStack()),
       is_body_(true),

@@ -277,7 +277,8 @@ class IXOMEP_API IxoMepParser {
   template <class Out, class Convert>
   bool Read(const ixomep::ValueView& stored, Out& out, Convert convert) const;
   bool GetOwnBoolValue(bool missing) const;
-  // The type of the resolved value.
+  // The type of the resolved value; undefined, and false, when it is missing.
+  bool FindType(const ixomep::ValueView& stored, IxoMepValueType& type) const;
   IxoMepValueType TypeOf(const ixomep::ValueView& stored) const;
   // The work of ExpectValueType; attribute is its name in the error text, null for the own value.
   IxoMepErrorEnum Expect(const ixomep::ValueView& stored, const String* attribute,

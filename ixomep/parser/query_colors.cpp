@@ -7,6 +7,7 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/host/color.h"
 #include "ixomep/host/numbers.h"
+#include "ixomep/parser/element_view.h"
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 #include "ixomep/values/slot.h"
@@ -31,14 +32,10 @@ Components FindComponents(const IxoMepElement& element, std::string_view red,
   return {element.FindAttr(red), element.FindAttr(green), element.FindAttr(blue)};
 }
 
-bool HasAny(const Components& components) noexcept {
-  return std::any_of(components.begin(), components.end(),
-                     [](const IxoMepAttribute* component) { return component != nullptr; });
-}
-
-const ComponentNames& DefaultNames(const IxoMepElement& element) noexcept {
+const ComponentNames& DefaultNames(const ixomep::ElementView& element) noexcept {
   const ComponentNames& names = kLongNames;
-  const bool has_long = HasAny(FindComponents(element, names.red, names.green, names.blue));
+  const bool has_long =
+      element.FindAttr(names.red) || element.FindAttr(names.green) || element.FindAttr(names.blue);
   return has_long ? kLongNames : kShortNames;
 }
 
@@ -115,25 +112,27 @@ bool IxoMepParser::GetColor(const String& colorName, const String& redName, cons
                             const String& blueName, Color& color) const {
   return ixomep::OrNeutral(false, [&] {
     ixomep::ValuePtr evaluated;
-    if (const IxoMepAttribute* attribute = Current().FindAttr(colorName)) {
-      return GetColor(Resolve(attribute->GetValue(), evaluated), color);
+    IxoMepValue room;
+    if (IsContained(colorName)) {
+      return GetColor(Resolve(NamedValue(colorName).Get(room), evaluated), color);
     }
-    const Components components = FindComponents(Current(), redName, greenName, blueName);
-    if (!HasAny(components)) return false;
+    bool has_any = false;
     std::array<std::int32_t, 3> parts{};
+    const std::array<const String*, 3> names = {&redName, &greenName, &blueName};
     for (std::size_t i = 0; i < parts.size(); ++i) {
-      if (components[i] == nullptr) continue;
-      const IxoMepValue* const value = Resolve(components[i]->GetValue(), evaluated);
+      if (!IsContained(*names[i])) continue;
+      has_any = true;
+      const IxoMepValue* const value = Resolve(NamedValue(*names[i]).Get(room), evaluated);
       parts[i] = value != nullptr ? value->GetInt() : 0;
     }
-    color = Color(parts[0], parts[1], parts[2]);
-    return true;
+    if (has_any) color = Color(parts[0], parts[1], parts[2]);
+    return has_any;
   });
 }
 
 bool IxoMepParser::GetColor(Color& color) const {
   return ixomep::OrNeutral(false, [&] {
-    const ComponentNames& names = DefaultNames(Current());
+    const ComponentNames& names = DefaultNames(CurrentView());
     return GetColor(kColor, names.red, names.green, names.blue, color);
   });
 }
@@ -160,7 +159,7 @@ IxoMepExpressionParser* IxoMepParser::CreateColorEP(const String& colorName, con
 
 IxoMepExpressionParser* IxoMepParser::CreateColorEP() const {
   return ixomep::OrNeutral<IxoMepExpressionParser*>(nullptr, [this] {
-    const ComponentNames& names = DefaultNames(Current());
+    const ComponentNames& names = DefaultNames(CurrentView());
     return CreateColorEP(kColor, names.red, names.green, names.blue);
   });
 }

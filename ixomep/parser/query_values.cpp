@@ -92,13 +92,17 @@ bool IxoMepParser::Read(const ixomep::ValueView& stored, Out& out, Convert conve
 
 // --- Types --------------------------------------------------------------------------------------
 
-IxoMepValueType IxoMepParser::TypeOf(const ixomep::ValueView& stored) const {
-  Type type = Type::Undefined;
+bool IxoMepParser::FindType(const ixomep::ValueView& stored, Type& type) const {
   const bool is_final = stored.GetType(type) && type != Type::Reference &&
                         (type != Type::Expression || vars_ == nullptr);
-  if (is_final) return type;
+  if (is_final) return static_cast<bool>(stored);
   type = Type::Undefined;
-  Read(stored, type, &IxoMepValue::GetType);
+  return Read(stored, type, &IxoMepValue::GetType);
+}
+
+Type IxoMepParser::TypeOf(const ixomep::ValueView& stored) const {
+  Type type = Type::Undefined;
+  FindType(stored, type);
   return type;
 }
 
@@ -128,7 +132,7 @@ IxoMepErrorEnum IxoMepParser::ExpectValueTypeOfPos(std::int32_t pos, Type type, 
 IxoMepErrorEnum IxoMepParser::Expect(const ixomep::ValueView& stored, const String* attribute,
                                      Type type, bool allow_missing) {
   Type found = Type::Undefined;
-  const bool is_there = Read(stored, found, &IxoMepValue::GetType);
+  const bool is_there = FindType(stored, found);
   if (is_there ? Fits(type, found) : allow_missing) return IMEPERR_NONE;
 
   const IxoMepErrorEnum code = ixomep::Guarded(error_text_, [&] {

@@ -114,4 +114,18 @@ const String& XmlNames::Of(const String& name) {
   return known.xml_name;
 }
 
+XmlNumberedNames::XmlNumberedNames(const NameTable& names, bool xml_names)
+    : names_(names), xml_names_(xml_names), written_(names.Count()) {
+  if (xml_names) known_.resize(names.Count());
+}
+
+const XmlNumberedNames::Known& XmlNumberedNames::Convert(std::uint32_t number) {
+  Known& known = known_[number];
+  if (known.number == NameTable::kNoName) {
+    known.xml_name = XmlNameOf(String(names_.View(number)));
+    known.number = numbers_.try_emplace(known.xml_name, number).first->second;
+  }
+  return known;
+}
+
 }  // namespace ixomep

@@ -5,10 +5,12 @@
 #include <array>
 #include <cstdint>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "ixomep/host/string.h"
+#include "ixomep/parser/name_table.h"
 
 namespace ixomep {
 
@@ -46,6 +48,44 @@ class XmlNames {
     String name, xml_name;
   };
   std::array<Known, 64> known_;
+};
+
+// Both for names that have numbers in a table: what was written is marked at the number, and each
+// name is converted once.
+class XmlNumberedNames {
+ public:
+  XmlNumberedNames(const NameTable& names, bool xml_names);
+
+  // Another element begins: none of its names has been written.
+  void Begin() noexcept { ++element_; }
+  // The name as it is to be written, borrowed until the next call; false when it is there already.
+  bool Insert(std::uint32_t number, std::string_view& name) {
+    if (xml_names_) {
+      const Known& known = Convert(number);
+      number = known.number;
+      name = known.xml_name.view();
+    } else {
+      name = names_.View(number);
+    }
+    const bool is_new = written_[number] != element_;
+    written_[number] = element_;
+    return is_new;
+  }
+
+ private:
+  struct Known {
+    String xml_name;
+    std::uint32_t number = NameTable::kNoName;  // the first one with that XML name
+  };
+
+  const Known& Convert(std::uint32_t number);
+
+  const NameTable& names_;
+  bool xml_names_;
+  std::uint32_t element_ = 0;
+  std::vector<std::uint32_t> written_;  // by number: the last element with the name
+  std::vector<Known> known_;
+  std::unordered_map<String, std::uint32_t> numbers_;
 };
 
 }  // namespace ixomep

@@ -10,6 +10,7 @@
 
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/value_set.h"
+#include "ixomep/host/color.h"
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/parser/converter.h"
 #include "ixomep/parser/document_scanner.h"
@@ -237,6 +238,28 @@ TEST(QuickReading, Without_memory_an_object_counts_as_missing) {
   }
   EXPECT_NE(definition.parser.GetElement(0), nullptr);
   EXPECT_EQ(definition.parser.GetStrValue("a"), "some text that is not short");
+}
+
+TEST(QuickReading, Questions_for_types_and_colours_make_no_objects) {
+  const TestHost host;
+  Definition definition("A \"t\" red: 1 blue: 2 n: \"red\" s: \"\\\"\" r: 1.5 m: 1cm\nB color: 5");
+  IxoMepParser& parser = definition.parser;
+  Color color;
+  EXPECT_TRUE(parser.GetColor(color));
+  EXPECT_EQ(color.GetPacked(), 0x010002);
+  EXPECT_TRUE(parser.GetColor("n", "", "", "", color));
+  EXPECT_FALSE(parser.GetColor("", "", "", "", color));
+  EXPECT_EQ(parser.ExpectValueType(IxoMepValueType::String, false), IMEPERR_NONE);
+  EXPECT_EQ(parser.ExpectValueType("s", IxoMepValueType::String, false), IMEPERR_NONE);
+  EXPECT_EQ(parser.ExpectValueType("r", IxoMepValueType::Integer, false), IMEPERR_NONE);
+  EXPECT_EQ(parser.ExpectValueType("m", IxoMepValueType::Integer, false), IMEPERR_UNEXPECTED_TYPE);
+  EXPECT_EQ(parser.ExpectValueType("x", IxoMepValueType::Integer, true), IMEPERR_NONE);
+  EXPECT_EQ(parser.ExpectValueType("x", IxoMepValueType::Undefined, false),
+            IMEPERR_UNEXPECTED_TYPE);
+  String text;
+  parser.MakeErrorText(text);
+  EXPECT_FALSE(parser.GetElemText(0).IsEmpty());
+  EXPECT_TRUE(ElementView::Of(parser, 0).IsRecord());
 }
 
 // Its factories are called while the text is read, as they always were.
