@@ -16,7 +16,10 @@ TokenSet TokensOf(std::string_view list, Separator separator) {
   // separators, which holds for the empty token in the empty list too.
   if (list.empty()) tokens.Add(list);
   TokenWalker walker(list, separator);
-  for (std::string_view token; walker.Next(token);) tokens.Add(token);
+  for (std::string_view token; walker.Next(token);) {
+    LimitWatch::Work();
+    tokens.Add(token);
+  }
   return tokens;
 }
 
@@ -31,6 +34,7 @@ void AppendTokens(String& result, std::string_view from, std::string_view other,
   const TokenSet members = TokensOf(other, separator);
   TokenWalker walker(from, separator);
   for (std::string_view token; walker.Next(token);) {
+    LimitWatch::Work();
     if (members.Contains(token) == in_other) AppendToken(result, token, separator);
   }
 }
@@ -50,6 +54,7 @@ IxoMepErrorEnum Join(Call& call, String (*text_of)(const IxoMepValue&)) {
   const IxoMepValue& array = call.Arg(0);
   String result;
   for (std::size_t i = 0; i < ValueAccess::Count(array); ++i) {
+    LimitWatch::Work();
     if (i > 0) result += separator.view();
     result += text_of(ValueAccess::Element(array, i));
   }
@@ -75,6 +80,7 @@ IxoMepErrorEnum Split(Call& call, ValuePtr (*element_of)(std::string_view)) {
   ValueAccess::Reserve(array, static_cast<std::size_t>(CountTokens(list, separator)));
   TokenWalker walker(list, separator);
   for (std::string_view token; walker.Next(token);) {
+    LimitWatch::Work();
     ValueAccess::AppendOwned(array, element_of(token));
   }
   return call.Return(std::move(array));

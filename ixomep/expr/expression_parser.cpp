@@ -85,12 +85,22 @@ IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepVa
                                                  bool ownScope) const {
   if (tree_ == nullptr) return IMEPERR_UNEXPECTED_TYPE;
   IxoMepExprNode::m_nCallDepth = 0;
-  if (!ownScope) return ixomep::EvaluateToSlot(*tree_, this, scope, result, errorText, strict);
-  const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
-    const ixomep::PooledScope own(scope);
-    return ixomep::EvaluateToSlot(*tree_, this, own.get(), result, errorText, strict);
-  });
-  if (code != IMEPERR_NONE) ixomep::FailSlot(result);
+  const ixomep::CallLevel level;
+  IxoMepErrorEnum code = IMEPERR_NONE;
+  if (!level.IsAllowed()) {
+    code = ixomep::RaiseLimit(errorText);
+    ixomep::FailResult(result, scope);
+    return code;
+  }
+  if (!ownScope) {
+    code = ixomep::EvaluateToSlot(*tree_, this, scope, result, errorText, strict);
+  } else {
+    code = ixomep::Guarded(errorText, [&] {
+      const ixomep::PooledScope own(scope);
+      return ixomep::EvaluateToSlot(*tree_, this, own.get(), result, errorText, strict);
+    });
+    if (code != IMEPERR_NONE) ixomep::FailSlot(result);
+  }
   return code;
 }
 
@@ -99,7 +109,9 @@ IxoMepErrorEnum IxoMepExpressionParser::EvaluateFunctionCall(const IxoMepExprNod
                                                              const String& name,
                                                              IxoMepValue*& result,
                                                              String& errorText, bool strict) const {
+  const ixomep::OuterEntry entry;
   const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
+    if (!entry.IsAllowed()) return ixomep::RaiseLimit(errorText);
     if (!(name == kLineNumber) && HoldsLambda(scope, name)) {
       return ixomep::Raise(errorText, IMEPERR_UNKNOWN_FUNCTION, {{"%s", name}});
     }

@@ -29,6 +29,8 @@ Reg FailTypes(Run& run, const char* shown, const IxoMepValue& a, const IxoMepVal
   return run.Fail(IMEPERR_WRONG_TYPE);
 }
 
+[[gnu::noinline]] Reg FailLimit(Run& run) noexcept { return run.Fail(RaiseLimit(run.Text())); }
+
 enum class Truth : std::uint8_t { No, Yes, Failed };
 
 Truth Decide(const Op& condition, Run& run, const char* function) {
@@ -69,6 +71,8 @@ Reg CallByProgram(const CallOp& call, const IxoMepExprNode& lambda, const Progra
     RestoreDepth(call.depth.Inside(), run);
     entry_depth = IxoMepExprNode::m_nCallDepth;
   }
+  const CallLevel counted;
+  if (!counted.IsAllowed()) return FailLimit(run);
   Frame frame{run.Parser(), nullptr, run.Text(), run.IsStrict()};
   Run level(run, frame, program, arguments.data(), entry_depth);
   const Reg result = (*program.root)(level);
@@ -96,6 +100,7 @@ Reg CallLambdaNode(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
 Reg CallHost(const CallOp& call, Run& run) {
   Frame& frame = run.RealFrame();
   const String text_before = frame.text;
+  if (!LimitWatch::Step()) return FailLimit(run);
   RestoreDepth(call.depth.Inside(), run);
   IxoMepValue* slot = nullptr;
   IxoMepErrorEnum code = frame.parser->EvaluateFunctionCall(call.node, frame.scope, call.name, slot,
@@ -211,6 +216,7 @@ Reg RunWhile(const Op& op, Run& run) {
     const Truth truth = Decide(*loop.condition, run, "while");
     if (truth == Truth::Failed) return kFailure;
     if (truth == Truth::No) break;
+    if (!LimitWatch::Step()) return FailLimit(run);
     if (!RunUnwanted(*loop.body, run)) return kFailure;
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
@@ -235,6 +241,7 @@ Reg RunFor(const Op& op, Run& run) {
   IxoMepValue* variable = nullptr;
   std::uint64_t changes = 0;
   for (std::int64_t i = IntegerOf(from); i <= last; ++i) {
+    if (!LimitWatch::Step()) return FailLimit(run);
     if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
       variable = &FindOrCreate(*scope, loop.variable);
       changes = IxoMepValueSet::Changes();

@@ -43,7 +43,8 @@ Reg ApplyOwned(Kind kind, IxoMepValue&& left, const IxoMepValue& right, Run& run
       text += more;
       return RegOf(std::move(left));
     }
-  } catch (const std::bad_alloc&) {
+  } catch (const std::bad_alloc& cause) {
+    return run.Fail(RaiseNoMemory(run.Text(), IMEPERR_TOO_LONG, cause));
   }
   return run.Fail(Raise(run.Text(), IMEPERR_TOO_LONG));
 }

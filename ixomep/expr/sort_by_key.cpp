@@ -83,6 +83,7 @@ bool EvaluateKeys(const SortKey& key, const IxoMepValueList& items,
   for (IxoMepValue* const element : items) {
     argument = element != nullptr ? *element : *IxoMepValue::GetNull();
     IxoMepValue value;
+    if (!LimitWatch::Step()) return false;
     if (EvaluateOperand(*key.expression, frame, value) != IMEPERR_NONE) return false;
     are_numbers =
         are_numbers && (value.GetType() == Type::Integer || value.GetType() == Type::Real);
@@ -105,6 +106,7 @@ bool SortByKey(const IxoMepExprNode& lambda, IxoMepValueList& items) {
     if (!EvaluateKeys(key, items, keyed)) return false;
     String text;
     std::stable_sort(keyed.begin(), keyed.end(), [&](const KeyedElement& a, const KeyedElement& b) {
+      LimitWatch::Work();
       IxoMepValue truth;
       ApplyBinaryTo(key.comparison, a.key, b.key, truth, text);
       return truth.GetInt() > 0;
@@ -112,6 +114,8 @@ bool SortByKey(const IxoMepExprNode& lambda, IxoMepValueList& items) {
     std::transform(keyed.begin(), keyed.end(), items.begin(),
                    [](const KeyedElement& k) { return k.element; });
     return true;
+  } catch (const LimitExceeded&) {
+    throw;
   } catch (const std::exception&) {  // no memory: the exchanges need none
     return false;
   }

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/values/engine_hooks.h"
 #include "ixomep/values/value_compare.h"
 #include "ixomep/values/value_rep.h"
@@ -93,7 +94,10 @@ void SortNumbers(Run begin, Run end) {
   while (begin != end) {
     const Run nan = std::find_if(begin, end, [](const Keyed& k) { return k.number != k.number; });
     std::stable_sort(begin, nan,
-                     [](const Keyed& a, const Keyed& b) { return a.number < b.number; });
+                     [](const Keyed& a, const Keyed& b) {
+                       LimitWatch::Work();
+                       return a.number < b.number;
+                     });
     begin = nan == end ? end : nan + 1;
   }
 }
@@ -108,12 +112,16 @@ void SortOneType(Run begin, Run end) {
       break;
     case Type::String:
       std::stable_sort(begin, end, [](const Keyed& a, const Keyed& b) {
+        LimitWatch::Work();
         return ValueAccess::Text(*a.value) < ValueAccess::Text(*b.value);
       });
       break;
     default:
       // Types without an order stay as they are; each comparison reports that.
-      for (; begin + 1 != end; ++begin) IsLess(OrNull((begin + 1)->value), OrNull(begin->value));
+      for (; begin + 1 != end; ++begin) {
+        LimitWatch::Work();
+        IsLess(OrNull((begin + 1)->value), OrNull(begin->value));
+      }
   }
 }
 
@@ -155,6 +163,7 @@ IxoMepErrorEnum SortArray(IxoMepValue& array, IxoMepExprNode* lambda, String& er
   if (HasReference(items)) {
     return ExchangeNeighbours(items,
                               [](const IxoMepValue& first, const IxoMepValue& second, bool& truth) {
+                                LimitWatch::Work();
                                 truth = IsLess(first, second);
                                 return IMEPERR_NONE;
                               });
