@@ -90,9 +90,9 @@ Reg CallLambdaNode(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
     RestoreDepth(call.depth.Inside(), run);
     if (IxoMepExprNode::m_nCallDepth + program->spine > kLongestSpine) return RunPlainly(call, run);
   }
-  static constexpr decltype(&CallByProgram<0>) kCallers[] = {
-      &CallByProgram<0>, &CallByProgram<1>, &CallByProgram<2>, &CallByProgram<3>,
-      &CallByProgram<4>};
+  static constexpr decltype(&CallByProgram<0>) kCallers[] = {&CallByProgram<0>, &CallByProgram<1>,
+                                                             &CallByProgram<2>, &CallByProgram<3>,
+                                                             &CallByProgram<4>};
   static_assert(std::size(kCallers) == Run::kMaxArguments + 1);
   return kCallers[call.arguments.size()](call, lambda, *program, run);
 }

@@ -1,5 +1,5 @@
-// The slow paths of LimitWatch: portions of steps, the question to the host, the first limit that is
-// exceeded; and the members of IxoHost that set the limits.
+// The slow paths of LimitWatch: portions of steps, the question to the host, the first limit that
+// is exceeded; and the members of IxoHost that set the limits.
 #include "ixomep/host/limit_watch.h"
 
 #include <algorithm>

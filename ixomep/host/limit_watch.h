@@ -2,9 +2,9 @@
 // host's (limits.h); the text of an exceeded one is values/raise.h's.
 //
 // Counting a step is one subtraction. Steps are handed out in portions, and the host is asked
-// whether to stop when a portion is used up. Once a limit is exceeded every further step is refused,
-// so that nothing goes on behind the back of whoever ignores a failure, until the outermost
-// evaluation has ended.
+// whether to stop when a portion is used up. Once a limit is exceeded every further step is
+// refused, so that nothing goes on behind the back of whoever ignores a failure, until the
+// outermost evaluation has ended.
 #pragma once
 
 #include <cstdint>
@@ -61,7 +61,8 @@ class LimitWatch {
     if (++depth_ == 1 && begins_afresh_) BeginAfresh();
   }
   static void Leave() noexcept {
-    if (--depth_ == 0 && exceeded_ != Limit::None) [[unlikely]] Forget();
+    if (--depth_ == 0 && exceeded_ != Limit::None) [[unlikely]]
+      Forget();
   }
   static void TakePortion() noexcept;
   static void Forget() noexcept;

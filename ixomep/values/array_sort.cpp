@@ -93,11 +93,10 @@ using Run = std::vector<Keyed>::iterator;
 void SortNumbers(Run begin, Run end) {
   while (begin != end) {
     const Run nan = std::find_if(begin, end, [](const Keyed& k) { return k.number != k.number; });
-    std::stable_sort(begin, nan,
-                     [](const Keyed& a, const Keyed& b) {
-                       LimitWatch::Work();
-                       return a.number < b.number;
-                     });
+    std::stable_sort(begin, nan, [](const Keyed& a, const Keyed& b) {
+      LimitWatch::Work();
+      return a.number < b.number;
+    });
     begin = nan == end ? end : nan + 1;
   }
 }

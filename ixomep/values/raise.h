@@ -33,7 +33,8 @@ inline IxoMepErrorEnum RaiseLimit(String& text) noexcept {
 }
 // What an evaluation that came to that code gives: 38 once a limit is exceeded.
 inline IxoMepErrorEnum WithinLimits(IxoMepErrorEnum code, String& text) noexcept {
-  if (LimitWatch::Exceeded() == Limit::None) [[likely]] return code;
+  if (LimitWatch::Exceeded() == Limit::None) [[likely]]
+    return code;
   return code == IMEPERR_TOO_DEEP ? code : RaiseLimit(text);
 }
 

@@ -1,7 +1,7 @@
 // The English texts of the default host: what is wrong and what was expected, for every error
-// code, the limits of a host, and the labels of error reports. One table {resource number, text}, in ascending order.
-// A "%" word is filled in by the code that reports the error, at its first occurrence; a text has
-// only the words that every reporter of its code fills.
+// code, the limits of a host, and the labels of error reports. One table {resource number, text},
+// in ascending order. A "%" word is filled in by the code that reports the error, at its first
+// occurrence; a text has only the words that every reporter of its code fills.
 #include "ixomep/host/portable/default_host.h"
 
 #include <algorithm>
