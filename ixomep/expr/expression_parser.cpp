@@ -85,7 +85,7 @@ IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepVa
                                                  bool ownScope) const {
   if (tree_ == nullptr) return IMEPERR_UNEXPECTED_TYPE;
   IxoMepExprNode::m_nCallDepth = 0;
-  const ixomep::CallLevel level;
+  const ixomep::EvaluationLevel level;
   IxoMepErrorEnum code = IMEPERR_NONE;
   if (!level.IsAllowed()) {
     code = ixomep::RaiseLimit(errorText);

@@ -45,6 +45,24 @@ Truth Decide(const Op& condition, Run& run, const char* function) {
   return Truth::Failed;
 }
 
+// The steps of a loop's passes. Where a pass takes none besides, many are taken at once; the rest
+// goes back however the loop ends.
+class StepsOfLoop {
+ public:
+  explicit StepsOfLoop(std::int64_t at_once) noexcept : at_once_(at_once) {}
+  StepsOfLoop(const StepsOfLoop&) = delete;
+  StepsOfLoop& operator=(const StepsOfLoop&) = delete;
+  ~StepsOfLoop() { LimitWatch::GiveBack(taken_); }
+  bool TakeOne() noexcept {
+    if (taken_ == 0) taken_ = LimitWatch::StepAhead(at_once_);
+    return taken_ != 0 && taken_-- != 0;
+  }
+
+ private:
+  std::int64_t at_once_;
+  std::int64_t taken_ = 0;
+};
+
 // Runs an operation whose result nobody wants; false after a failure.
 bool RunUnwanted(const Op& op, Run& run) {
   const Reg unwanted = op(run);
@@ -90,9 +108,9 @@ Reg CallLambdaNode(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
     RestoreDepth(call.depth.Inside(), run);
     if (IxoMepExprNode::m_nCallDepth + program->spine > kLongestSpine) return RunPlainly(call, run);
   }
-  static constexpr decltype(&CallByProgram<0>) kCallers[] = {&CallByProgram<0>, &CallByProgram<1>,
-                                                             &CallByProgram<2>, &CallByProgram<3>,
-                                                             &CallByProgram<4>};
+  static constexpr decltype(&CallByProgram<0>) kCallers[] = {
+      &CallByProgram<0>, &CallByProgram<1>, &CallByProgram<2>, &CallByProgram<3>,
+      &CallByProgram<4>};
   static_assert(std::size(kCallers) == Run::kMaxArguments + 1);
   return kCallers[call.arguments.size()](call, lambda, *program, run);
 }
@@ -212,11 +230,12 @@ Reg RunCond(const Op& op, Run& run) {
 
 Reg RunWhile(const Op& op, Run& run) {
   const auto& loop = As<WhileOp>(op);
+  StepsOfLoop steps(loop.steps_ahead);
   while (true) {
     const Truth truth = Decide(*loop.condition, run, "while");
     if (truth == Truth::Failed) return kFailure;
     if (truth == Truth::No) break;
-    if (!LimitWatch::Step()) return FailLimit(run);
+    if (!steps.TakeOne()) return FailLimit(run);
     if (!RunUnwanted(*loop.body, run)) return kFailure;
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
@@ -240,8 +259,9 @@ Reg RunFor(const Op& op, Run& run) {
   const std::int64_t last = IntegerOf(to);
   IxoMepValue* variable = nullptr;
   std::uint64_t changes = 0;
+  StepsOfLoop steps(loop.steps_ahead);
   for (std::int64_t i = IntegerOf(from); i <= last; ++i) {
-    if (!LimitWatch::Step()) return FailLimit(run);
+    if (!steps.TakeOne()) return FailLimit(run);
     if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
       variable = &FindOrCreate(*scope, loop.variable);
       changes = IxoMepValueSet::Changes();

@@ -90,8 +90,7 @@ Reg RunBinary(const Op& op, Run& run) {
       if (!IsScalar(left.tag)) return FinishBinary<kKind>(binary, run, left);
       const Reg right = (*binary.right.op)(run);
       const Reg result = Compute<kKind>(left, right);
-      if (result.tag != kNotMine.tag) [[likely]]
-        return result;
+      if (result.tag != kNotMine.tag) [[likely]] return result;
       return right.tag == kTagFailed ? right : Combine(binary, left, right, run);
     } else {
       const Reg result = Compute<kKind>(left, NumberAtOnce<kRight>(binary.right, run));
@@ -251,10 +250,11 @@ const IxoMepValue* PeekElement(const ElementOp& element, const Run& run) {
   const IxoMepValue* const base = Peek(element.base, run);
   if (base == nullptr) return nullptr;
   if (base->GetType() == Type::Map) return PeekEntry(*base, element, run);
-  const Reg index =
-      element.index.shape == Shape::Variable   ? NumberAtOnce<Shape::Variable>(element.index, run)
-      : element.index.shape == Shape::Argument ? NumberAtOnce<Shape::Argument>(element.index, run)
-                                               : element.index.number;
+  const Reg index = element.index.shape == Shape::Variable
+                        ? NumberAtOnce<Shape::Variable>(element.index, run)
+                    : element.index.shape == Shape::Argument
+                        ? NumberAtOnce<Shape::Argument>(element.index, run)
+                        : element.index.number;
   const bool is_element = base->GetType() == Type::Array && index.tag == kTagInteger &&
                           ValueAccess::HasElement(*base, IntegerOf(index));
   return is_element ? &ValueAccess::Element(*base, static_cast<std::size_t>(IntegerOf(index)))

@@ -7,6 +7,7 @@
 // outermost evaluation has ended.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <new>
@@ -32,6 +33,17 @@ class LimitWatch {
  public:
   // Counts one step; false when the evaluation has to end.
   static bool Step() noexcept { return --left_ >= 0 || BeginPortion(); }
+  // Counts as many steps as there are at once, `most` at most, for passes that take no further ones
+  // themselves; 0 when the evaluation has to end. What is not made use of is given back.
+  static std::int64_t StepAhead(std::int64_t most) noexcept {
+    if (!Step()) return 0;
+    const std::int64_t more = std::min<std::int64_t>(most - 1, left_);
+    left_ -= static_cast<std::int32_t>(more);
+    return 1 + more;
+  }
+  static void GiveBack(std::int64_t steps) noexcept {
+    if (exceeded_ == Limit::None) left_ += static_cast<std::int32_t>(steps);
+  }
   // One small piece of long work that takes no steps; throws LimitExceeded when the host asks for
   // the end.
   static void Work() {
@@ -50,11 +62,15 @@ class LimitWatch {
 
  private:
   friend class OuterEntry;
+  friend class EvaluationLevel;
   friend class CallLevel;
 
   static constexpr std::int32_t kPortion = 1024;
 
   static bool BeginPortion() noexcept;
+  static bool MayGoDeeper() noexcept {
+    return depth_ <= deepest_ ? Step() : Exceed(Limit::Depth) == Limit::None;
+  }
   static void BeginWork();
   static void BeginAfresh() noexcept;
   static void Enter() noexcept {
@@ -80,21 +96,26 @@ class LimitWatch {
   inline static IxoLimits limits_;
 };
 
-// One call of a lambda, or one evaluation of an expression object: a step and a level.
+// One evaluation of an expression object, which may be the outermost: a step and a level.
+class EvaluationLevel {
+ public:
+  EvaluationLevel() noexcept { LimitWatch::Enter(); }
+  EvaluationLevel(const EvaluationLevel&) = delete;
+  EvaluationLevel& operator=(const EvaluationLevel&) = delete;
+  ~EvaluationLevel() { LimitWatch::Leave(); }
+  // Once: takes the step. False: RaiseLimit says why.
+  bool IsAllowed() const noexcept { return LimitWatch::MayGoDeeper(); }
+};
+
+// One call of a lambda inside an evaluation: a step and a level.
 class CallLevel {
  public:
-  CallLevel() noexcept { LimitWatch::Enter(); }
+  CallLevel() noexcept { ++LimitWatch::depth_; }
   CallLevel(const CallLevel&) = delete;
   CallLevel& operator=(const CallLevel&) = delete;
-  ~CallLevel() { LimitWatch::Leave(); }
+  ~CallLevel() { --LimitWatch::depth_; }
   // Once: takes the step. False: RaiseLimit says why.
-  bool IsAllowed() const noexcept {
-    if (LimitWatch::depth_ > LimitWatch::deepest_) [[unlikely]] {
-      LimitWatch::Exceed(Limit::Depth);
-      return false;
-    }
-    return LimitWatch::Step();
-  }
+  bool IsAllowed() const noexcept { return LimitWatch::MayGoDeeper(); }
 };
 
 // Any other way in: the outermost evaluation when there is none, else nothing.

@@ -5,6 +5,7 @@
 #include "ixomep/values/array_sort.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -90,13 +91,22 @@ Keyed KeyOf(IxoMepValue* value) {
 
 using Run = std::vector<Keyed>::iterator;
 
+// What sorts so few numbers is no long work.
+constexpr std::ptrdiff_t kFewNumbers = 10000;
+
+template <class Less>
+void SortStably(Run begin, Run end, const Less& less) {
+  if (end - begin < kFewNumbers) return std::stable_sort(begin, end, less);
+  std::stable_sort(begin, end, [&less](const Keyed& a, const Keyed& b) {
+    LimitWatch::Work();
+    return less(a, b);
+  });
+}
+
 void SortNumbers(Run begin, Run end) {
   while (begin != end) {
     const Run nan = std::find_if(begin, end, [](const Keyed& k) { return k.number != k.number; });
-    std::stable_sort(begin, nan, [](const Keyed& a, const Keyed& b) {
-      LimitWatch::Work();
-      return a.number < b.number;
-    });
+    SortStably(begin, nan, [](const Keyed& a, const Keyed& b) { return a.number < b.number; });
     begin = nan == end ? end : nan + 1;
   }
 }
@@ -128,8 +138,8 @@ void SortByRankAndType(IxoMepValueList& items) {
   std::vector<Keyed> keyed;
   keyed.reserve(items.size());
   for (IxoMepValue* value : items) keyed.push_back(KeyOf(value));
-  std::stable_sort(keyed.begin(), keyed.end(),
-                   [](const Keyed& a, const Keyed& b) { return a.rank < b.rank; });
+  SortStably(keyed.begin(), keyed.end(),
+             [](const Keyed& a, const Keyed& b) { return a.rank < b.rank; });
   for (Run begin = keyed.begin(); begin != keyed.end();) {
     const std::int32_t rank = begin->rank;
     const Run end =

@@ -12,6 +12,13 @@
 namespace ixomep::test {
 namespace {
 
+std::string MemoryExceeded(std::size_t limit) {
+  std::string text = "error 38: The limit of ";
+  text += std::to_string(limit);
+  text += " bytes of memory is exceeded.";
+  return text;
+}
+
 // In both ways, and twice so that lambdas have programs.
 void ExpectShown(std::string_view text, IxoMepValueSet* scope, const std::string& expected) {
   SCOPED_TRACE(text);
@@ -55,8 +62,7 @@ TEST(LimitsOfMemory, A_limit_of_the_host_ends_with_38_and_names_itself) {
 TEST(LimitsOfMemory, Try_does_not_hide_it) {
   const std::size_t limit = MemoryBudget::InUse() + 1000000;
   const ScopedLimits limits({.memory = limit});
-  ExpectShown("try(\"x\" * 20000000, 5)", nullptr,
-              "error 38: The limit of " + std::to_string(limit) + " bytes of memory is exceeded.");
+  ExpectShown("try(\"x\" * 20000000, 5)", nullptr, MemoryExceeded(limit));
 }
 
 TEST(LimitsOfMemory, What_was_held_is_given_back_and_the_engine_works_again) {
@@ -101,11 +107,10 @@ TEST(LimitsOfMemory, Taking_the_limit_back_goes_back_to_that_of_the_machine) {
 // --- Depth --------------------------------------------------------------------------------------
 
 TEST(LimitsOfDepth, As_many_calls_stand_inside_each_other_as_the_host_allows) {
-  constexpr const char* kDown = "f := lambda(n, cond(n < 2, 1, f(n - 1) + 0)), f(";
   const ScopedLimits limits({.depth = 5});
   const std::string exceeded = "error 38: The limit of 5 calls inside each other is exceeded.";
-  ExpectShown(std::string(kDown) + "5)", nullptr, "integer 1");
-  ExpectShown(std::string(kDown) + "6)", nullptr, exceeded);
+  ExpectShown("f := lambda(n, cond(n < 2, 1, f(n - 1) + 0)), f(5)", nullptr, "integer 1");
+  ExpectShown("f := lambda(n, cond(n < 2, 1, f(n - 1) + 0)), f(6)", nullptr, exceeded);
   ExpectShown("f := lambda(f()), f()", nullptr, exceeded);
   ExpectShown("try((f := lambda(f()))(), 1)", nullptr, exceeded);
   ExpectShown("s := \"1\", for(i, 1, 5){s := \"eval(\" + valtokstr({s}) + \")\"}{eval(s)}", nullptr,

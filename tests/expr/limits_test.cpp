@@ -10,7 +10,7 @@
 
 #include "ixomep/expr/program.h"
 #include "ixomep/host/limit_watch.h"
-#include "ixomep/host/memory_budget.h"
+#include "ixomep/values/string_address_map.h"
 #include "tests/support/eval.h"
 #include "tests/support/limits.h"
 
@@ -27,24 +27,27 @@ std::string StepsExceeded(std::uint64_t steps) {
 // hswallow(text) does and hides its failure.
 class Host : public IxoMepExpressionParser {
  public:
-  IxoMepErrorEnum EvaluateFunctionCall(IxoMepValueSet* scope, const String& name,
-                                       const IxoMepValueList& args, IxoMepValue*& result,
-                                       String& text, bool strict) const override {
+  IxoMepErrorEnum EvaluateFunctionCall(const IxoMepExprNode* call, IxoMepValueSet* scope,
+                                       const String& name, IxoMepValue*& result, String& text,
+                                       bool strict) const override {
     if (name == "hten") {
       IxoMepValue::Assign(result, 10);
       return IMEPERR_NONE;
     }
     if (name == "heval" || name == "hswallow") {
+      IxoMepValue* argument = nullptr;
+      IxoMepErrorEnum code = call->GetParamResult(this, scope, argument, text, strict);
+      const ValuePtr owner(argument);
+      if (code != IMEPERR_NONE) return code;
       Host other;
-      IxoMepErrorEnum code = other.SetExpression(args.at(0)->GetStr(), text);
+      code = other.SetExpression(argument->GetStr(), text);
       if (code == IMEPERR_NONE) code = other.Evaluate(scope, result, text, strict, false);
       if (name == "heval" || code == IMEPERR_NONE) return code;
       IxoMepValue::Assign(result, -1);
       return IMEPERR_NONE;
     }
-    return IxoMepExpressionParser::EvaluateFunctionCall(scope, name, args, result, text, strict);
+    return IxoMepExpressionParser::EvaluateFunctionCall(call, scope, name, result, text, strict);
   }
-  using IxoMepExpressionParser::EvaluateFunctionCall;
   IxoMepExpressionParser* CreateCopy() const override { return new Host(*this); }
 };
 
@@ -179,7 +182,7 @@ TEST(Limits, Assignments_and_lent_places_are_under_the_limits) {
   EXPECT_EQ(std::string(text.view()), "The limit of 10 steps is exceeded.");
   EXPECT_EQ(lent, nullptr);
   IxoMepValue* result = nullptr;
-  EXPECT_EQ(place.GetTree()->Evaluate(&place, &scope, result, text), IMEPERR_TOO_DEEP);
+  EXPECT_EQ(place.GetTree()->Evaluate(&place, &scope, result, text, false), IMEPERR_TOO_DEEP);
   EXPECT_EQ(Eval("1 + 1").Shown(), "integer 2");
 }
 

@@ -88,9 +88,10 @@ bool SetTimeout(const std::string& text) {
 
 void AddLimit(CLI::App& app, const char* name, const char* help, const char* type,
               bool (*set)(const std::string&)) {
-  app.add_option(name, help)->type_name(type)->expected(1)->check([set](const std::string& text) {
-    return set(text) ? std::string() : "\"" + text + "\" is no limit";
-  });
+  const auto read = [name, set](const std::string& text) {
+    if (!set(text)) throw CLI::ValidationError(name, "\"" + text + "\" is no limit");
+  };
+  app.add_option_function<std::string>(name, read, help)->type_name(type);
 }
 
 }  // namespace
