@@ -42,6 +42,7 @@ IxoMepErrorEnum CallHook(const IxoMepExprNode& call, const char* name, Frame& fr
       &call, frame.scope, String(name), slot, frame.text, frame.strict);
   ValuePtr result(slot);
   if (code == IMEPERR_NONE) TakeResult(std::move(result), frame, out);
+  if (code == IMEPERR_UNKNOWN_FUNCTION) LimitWatch::GiveBack(1);  // no function of the host
   return code;
 }
 

@@ -128,6 +128,7 @@ Reg CallHost(const CallOp& call, Run& run) {
     return result != nullptr ? RegOf(std::move(*result)) : Reg{kTagUnset, 0};
   }
   if (code != IMEPERR_UNKNOWN_FUNCTION) return run.Fail(code);
+  LimitWatch::GiveBack(1);  // no function of the host
   IxoMepValue out;
   RestoreDepth(call.depth.Inside(), run);
   code = CallVariable(*call.node, text_before, frame, out);
