@@ -45,24 +45,6 @@ Truth Decide(const Op& condition, Run& run, const char* function) {
   return Truth::Failed;
 }
 
-// The steps of a loop's passes. Where a pass takes none besides, many are taken at once; the rest
-// goes back however the loop ends.
-class StepsOfLoop {
- public:
-  explicit StepsOfLoop(std::int64_t at_once) noexcept : at_once_(at_once) {}
-  StepsOfLoop(const StepsOfLoop&) = delete;
-  StepsOfLoop& operator=(const StepsOfLoop&) = delete;
-  ~StepsOfLoop() { LimitWatch::GiveBack(taken_); }
-  bool TakeOne() noexcept {
-    if (taken_ == 0) taken_ = LimitWatch::StepAhead(at_once_);
-    return taken_ != 0 && taken_-- != 0;
-  }
-
- private:
-  std::int64_t at_once_;
-  std::int64_t taken_ = 0;
-};
-
 // Runs an operation whose result nobody wants; false after a failure.
 bool RunUnwanted(const Op& op, Run& run) {
   const Reg unwanted = op(run);
@@ -231,13 +213,20 @@ Reg RunCond(const Op& op, Run& run) {
 
 Reg RunWhile(const Op& op, Run& run) {
   const auto& loop = As<WhileOp>(op);
-  StepsOfLoop steps(loop.steps_ahead);
+  std::int64_t steps = 0;  // taken and not used
   while (true) {
     const Truth truth = Decide(*loop.condition, run, "while");
-    if (truth == Truth::Failed) return kFailure;
-    if (truth == Truth::No) break;
-    if (!steps.TakeOne()) return FailLimit(run);
-    if (!RunUnwanted(*loop.body, run)) return kFailure;
+    if (truth != Truth::Yes) {
+      LimitWatch::GiveBack(steps);
+      if (truth == Truth::No) break;
+      return kFailure;
+    }
+    if (steps == 0 && (steps = LimitWatch::StepAhead(loop.steps_ahead)) == 0) return FailLimit(run);
+    --steps;
+    if (!RunUnwanted(*loop.body, run)) {
+      LimitWatch::GiveBack(steps);
+      return kFailure;
+    }
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
 }
@@ -260,16 +249,23 @@ Reg RunFor(const Op& op, Run& run) {
   const std::int64_t last = IntegerOf(to);
   IxoMepValue* variable = nullptr;
   std::uint64_t changes = 0;
-  StepsOfLoop steps(loop.steps_ahead);
-  for (std::int64_t i = IntegerOf(from); i <= last; ++i) {
-    if (!steps.TakeOne()) return FailLimit(run);
+  std::int64_t paid = IntegerOf(from);  // the first pass whose step is not taken yet
+  for (std::int64_t i = paid; i <= last; ++i) {
+    if (i == paid) {
+      const std::int64_t steps = LimitWatch::StepAhead(std::min(loop.steps_ahead, last - i + 1));
+      if (steps == 0) return FailLimit(run);
+      paid += steps;
+    }
     if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
       variable = &FindOrCreate(*scope, loop.variable);
       changes = IxoMepValueSet::Changes();
     }
     const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
     StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
-    if (!RunUnwanted(*loop.body, run)) return kFailure;
+    if (!RunUnwanted(*loop.body, run)) {
+      LimitWatch::GiveBack(paid - i - 1);
+      return kFailure;
+    }
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
 }

@@ -147,12 +147,7 @@ IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressio
     if (program == nullptr) return held->Evaluate(parser, scope, result, text, strict);
     Frame frame{parser, scope, text, strict};
     IxoMepErrorEnum failure = IMEPERR_NONE;
-    const Reg made = RunProgram(*program, frame, failure);
-    if (LimitWatch::Exceeded() != Limit::None) [[unlikely]] {
-      Drop(made);
-      return WithinLimits(failure, text);
-    }
-    StoreInSlot(made, result);
+    StoreInSlot(RunProgram(*program, frame, failure), result);
     return failure;
   });
   if (code != IMEPERR_NONE) FailResult(result, scope);

@@ -28,6 +28,11 @@ bool LimitWatch::BeginPortion() noexcept {
   return exceeded_ == Limit::None;
 }
 
+bool LimitWatch::BeginSlowly() noexcept {
+  Enter();
+  return MayGoDeeper();
+}
+
 void LimitWatch::BeginWork() {
   work_left_ = kPortion;
   if (IsInterrupted()) throw LimitExceeded(Limit::Interrupt);

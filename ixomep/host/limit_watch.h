@@ -71,6 +71,14 @@ class LimitWatch {
   static bool MayGoDeeper() noexcept {
     return depth_ <= deepest_ ? Step() : Exceed(Limit::Depth) == Limit::None;
   }
+  // Enters a level and takes its step; at once where nothing is limited.
+  static bool Begin() noexcept {
+    if (depth_ != 0 || begins_afresh_) [[unlikely]]
+      return BeginSlowly();
+    depth_ = 1;
+    return Step();
+  }
+  static bool BeginSlowly() noexcept;
   static void BeginWork();
   static void BeginAfresh() noexcept;
   static void Enter() noexcept {
@@ -99,12 +107,15 @@ class LimitWatch {
 // One evaluation of an expression object, which may be the outermost: a step and a level.
 class EvaluationLevel {
  public:
-  EvaluationLevel() noexcept { LimitWatch::Enter(); }
+  EvaluationLevel() noexcept : is_allowed_(LimitWatch::Begin()) {}
   EvaluationLevel(const EvaluationLevel&) = delete;
   EvaluationLevel& operator=(const EvaluationLevel&) = delete;
   ~EvaluationLevel() { LimitWatch::Leave(); }
-  // Once: takes the step. False: RaiseLimit says why.
-  bool IsAllowed() const noexcept { return LimitWatch::MayGoDeeper(); }
+  // False: RaiseLimit says why.
+  bool IsAllowed() const noexcept { return is_allowed_; }
+
+ private:
+  bool is_allowed_;
 };
 
 // One call of a lambda inside an evaluation: a step and a level.
