@@ -54,25 +54,6 @@ bool HoldsLambda(const IxoMepValueSet* scope, const String& name) {
   return variable != nullptr && variable->GetLambda() != nullptr;
 }
 
-IxoMepErrorEnum EvaluateInScopeOfItsOwn(const IxoMepExprNode& tree,
-                                        const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
-                                        IxoMepValue*& result, String& text, bool strict) {
-  const IxoMepErrorEnum code = ixomep::Guarded(text, [&] {
-    const ixomep::PooledScope own(scope);
-    return ixomep::EvaluateToSlot(tree, parser, own.get(), result, text, strict);
-  });
-  if (code != IMEPERR_NONE) ixomep::FailSlot(result);
-  return code;
-}
-
-// Out of line, so that the usual path stays short.
-[[gnu::noinline]] IxoMepErrorEnum FailByLimit(IxoMepErrorEnum code, IxoMepValue*& result,
-                                              const IxoMepValueSet* scope, String& text) noexcept {
-  if (code != IMEPERR_TOO_DEEP) code = ixomep::RaiseLimit(text);
-  ixomep::FailResult(result, scope);
-  return code;
-}
-
 }  // namespace
 
 IxoMepExpressionParser::IxoMepExpressionParser(const IxoMepExpressionParser& other)
@@ -104,14 +85,12 @@ IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepVa
                                                  bool ownScope) const {
   if (tree_ == nullptr) return IMEPERR_UNEXPECTED_TYPE;
   IxoMepExprNode::m_nCallDepth = 0;
-  const ixomep::EvaluationLevel level;
-  if (!level.IsAllowed()) [[unlikely]]
-    return FailByLimit(IMEPERR_NONE, result, scope, errorText);
-  const IxoMepErrorEnum code =
-      ownScope ? EvaluateInScopeOfItsOwn(*tree_, this, scope, result, errorText, strict)
-               : ixomep::EvaluateToSlot(*tree_, this, scope, result, errorText, strict);
-  if (ixomep::LimitWatch::Exceeded() != ixomep::Limit::None) [[unlikely]]
-    return FailByLimit(code, result, scope, errorText);
+  if (!ownScope) return ixomep::EvaluateToSlot(*tree_, this, scope, result, errorText, strict);
+  const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
+    const ixomep::PooledScope own(scope);
+    return ixomep::EvaluateToSlot(*tree_, this, own.get(), result, errorText, strict);
+  });
+  if (code != IMEPERR_NONE) ixomep::FailSlot(result);
   return code;
 }
 

@@ -268,8 +268,8 @@ bool UsePrograms(bool use) noexcept;
 // Called when a node that ProgramFor has seen is destroyed.
 void ForgetProgram(const IxoMepExprNode& node) noexcept;
 
-// Evaluates the tree by its program when it has one, else plainly; contract as
-// IxoMepExprNode::Evaluate. The tree is held meanwhile: a hook may give its owner another one.
+// An evaluation of an expression object, within the limits of the host: evaluates the tree by its
+// program when it has one, else plainly; contract as IxoMepExprNode::Evaluate. The tree is held meanwhile: a hook may give its owner another one.
 IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
                                IxoMepValueSet* scope, IxoMepValue*& result, String& text,
                                bool strict);

@@ -249,22 +249,20 @@ Reg RunFor(const Op& op, Run& run) {
   const std::int64_t last = IntegerOf(to);
   IxoMepValue* variable = nullptr;
   std::uint64_t changes = 0;
-  std::int64_t paid = IntegerOf(from);  // the first pass whose step is not taken yet
-  for (std::int64_t i = paid; i <= last; ++i) {
-    if (i == paid) {
-      const std::int64_t steps = LimitWatch::StepAhead(std::min(loop.steps_ahead, last - i + 1));
-      if (steps == 0) return FailLimit(run);
-      paid += steps;
-    }
-    if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
-      variable = &FindOrCreate(*scope, loop.variable);
-      changes = IxoMepValueSet::Changes();
-    }
-    const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
-    StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
-    if (!RunUnwanted(*loop.body, run)) {
-      LimitWatch::GiveBack(paid - i - 1);
-      return kFailure;
+  for (std::int64_t i = IntegerOf(from); i <= last;) {
+    const std::int64_t steps = LimitWatch::StepAhead(std::min(loop.steps_ahead, last - i + 1));
+    if (steps == 0) return FailLimit(run);
+    for (const std::int64_t end = i + steps; i < end; ++i) {
+      if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
+        variable = &FindOrCreate(*scope, loop.variable);
+        changes = IxoMepValueSet::Changes();
+      }
+      const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
+      StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
+      if (!RunUnwanted(*loop.body, run)) {
+        LimitWatch::GiveBack(end - i - 1);
+        return kFailure;
+      }
     }
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
