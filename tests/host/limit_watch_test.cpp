@@ -108,7 +108,7 @@ TEST(MemoryBudget, SetLimit_takes_the_place_of_a_limit_of_the_host) {
     FAIL() << "it is no limit of the host";
   } catch (const std::bad_alloc&) {
   }
-  MemoryBudget::SetLimit(MemoryBudget::kNoLimit);
+  IxoHost::SetLimits({.memory = 1});  // so that it is taken back
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ class Limits(harness.MepTest):
                 self.assertIn("limit of 0.3 seconds", err)
 
     def test_what_is_no_limit_is_refused(self):
-        for option, values in [("--max-steps", ["0", "-1", "x", "", "1.5", "99999999999999999999"]),
+        for option, values in [("--max-steps", ["0", "-1", "x", "1.5", "99999999999999999999"]),
                                ("--max-memory", ["0", "K", "1T", "1.5M", "99999999999999999G"]),
                                ("--timeout", ["0", "-1", "nan", "inf", "1s", "1e99"])]:
             for value in values:
