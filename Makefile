@@ -6,6 +6,9 @@ SHELL := /bin/bash
 # lets ccache keep what is compiled with precompiled headers
 export CCACHE_SLOPPINESS := pch_defines,time_macros
 JOBS ?= $(shell nproc)
+FUZZ_SECONDS ?= 60
+MUTANTS ?= 500
+SEED ?= 1
 EXAMPLE := examples/texts/workshop.mep
 LAUNCHER := $(shell command -v ccache >/dev/null && echo -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 CONFIGURE = cmake --preset $(1) $(LAUNCHER) >build/$(1).log 2>&1 || { cat build/$(1).log; exit 1; }
@@ -13,14 +16,20 @@ BUILD = mkdir -p build; $(call CONFIGURE,$(1)); cmake --build --preset $(1) -j $
 MAIN_JOB = build/$(1)/mep show $(EXAMPLE) -v scale=1.5 -v 'state="busy"' -v load=0.97 -v fill=0.4
 
 .PHONY: all test quick asan format format-check lint bench growth docs map install-check package clean help
-.PHONY: tools-build tools-lint tools-bench build-release build-dev build-asan build-bench
+.PHONY: fuzz coverage mutation valgrind cppcheck
+.PHONY: tools-build tools-lint tools-bench tools-fuzz tools-valgrind
+.PHONY: build-release build-dev build-asan build-bench build-fuzz build-coverage
 
 all: build-release ## install what is missing, build the release, show the shipped example (default)
 	@$(call MAIN_JOB,release)
 
-test: build-dev build-asan ## install what is missing, build, run every test, plain and under sanitizers
+# The fuzz targets are tried for a moment where their engine is installed; build-asan replays their
+# seeds in any case.
+FUZZ_ENGINE := $(wildcard /usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a)
+TEST_BUILDS := dev asan $(if $(FUZZ_ENGINE),$(if $(shell command -v clang++-14),fuzz))
+test: $(TEST_BUILDS:%=build-%) ## install what is missing, build, run every test, plain and under sanitizers
 	@$(call MAIN_JOB,dev) >/dev/null && echo "main job: mep show $(EXAMPLE): ok"
-	@printf 'subdirs("dev" "asan")\n' >build/CTestTestfile.cmake
+	@printf 'subdirs($(TEST_BUILDS:%="%"))\n' >build/CTestTestfile.cmake
 	@ctest --test-dir build --no-label-summary --output-on-failure -j $(JOBS)
 
 quick: build-dev ## build and run the tests without sanitizers
@@ -40,10 +49,28 @@ lint: tools-lint ## run clang-tidy and cppcheck over all sources
 	@scripts/lint.sh build/dev $(JOBS)
 
 bench: build-bench ## build the benchmarks in release, run them beside peers and print one table
-	@scripts/run_benchmarks.sh build/bench
+	@bench/run_benchmarks.sh build/bench
 
 growth: build-bench ## measure how times grow with sizes: a plot, a table, failure beyond the bounds
-	@scripts/run_growth.sh build/bench
+	@bench/run_growth.sh build/bench
+
+fuzz: build-fuzz ## run each fuzz target for FUZZ_SECONDS=60 and print a table
+	@python3 scripts/run_fuzzers.py build/fuzz $(FUZZ_SECONDS)
+
+coverage: ## run the tests with counters and fail below 97 % of the lines or 90 % of the branches
+	@$(MAKE) --no-print-directory build-coverage
+	@find build/coverage -name '*.gcda' -delete
+	@ctest --preset coverage -E '(house|install)\.' -j $(JOBS)
+	@python3 scripts/coverage.py build/coverage
+
+mutation: tools-build ## change the library in MUTANTS=500 small ways, by SEED=1, and name what no test notices
+	@python3 scripts/mutate.py --mutants $(MUTANTS) --seed $(SEED) --jobs $(JOBS) --work build/mutation
+
+valgrind: tools-valgrind build-dev ## run the test programs under memcheck
+	@python3 scripts/run_valgrind.py build/dev
+
+cppcheck: tools-lint ## run cppcheck alone, without a build
+	@scripts/lint.sh cppcheck $(JOBS)
 
 docs: build-dev ## run the examples of the documents and check the map of the sources
 	@ctest --preset dev -R 'house|docs'
@@ -69,6 +96,10 @@ tools-lint:
 	@scripts/install_missing.sh lint
 tools-bench: tools-build
 	@scripts/install_missing.sh bench
+tools-fuzz: tools-build
+	@scripts/install_missing.sh fuzz
+tools-valgrind: tools-build
+	@scripts/install_missing.sh valgrind
 
 build-release: tools-build
 	@$(call BUILD,release)
@@ -78,3 +109,7 @@ build-asan: build-dev
 	@$(call BUILD,asan)
 build-bench: tools-bench
 	@$(call BUILD,bench)
+build-fuzz: tools-fuzz
+	@$(call BUILD,fuzz)
+build-coverage: tools-build
+	@$(call BUILD,coverage)

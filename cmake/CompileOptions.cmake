@@ -4,7 +4,7 @@
 # -Wrestrict is off: g++ 12 reports it for harmless std::string sums at -O3.
 function(ixomep_compile_options target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
-                                           -Wno-restrict)
+                                           $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
   if(IXOMEP_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()

@@ -1,5 +1,5 @@
 // How time grows with size: operations that are measured at sizes from small to large, each with
-// the largest exponent that it may have. scripts/growth.py fits the exponents and draws them.
+// the largest exponent that it may have. bench/growth.py fits the exponents and draws them.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,7 @@
 // Functions on token lists: tokcnt, token, tokindex, tokcat, the set operations tokunion,
 // tokisect and tokdiff, and the exchange with arrays: tokstr, valtokstr, strarray, valarray.
+#include <new>
+
 #include "ixomep/builtins/handlers.h"
 #include "ixomep/builtins/token_set.h"
 #include "ixomep/builtins/tokens.h"
@@ -63,13 +65,19 @@ IxoMepErrorEnum Join(Call& call, String (*text_of)(const IxoMepValue&)) {
 
 ValuePtr StringOfToken(std::string_view token) { return MakeValue(String(token)); }
 
-// Undefined for a token that cannot be read.
+// Undefined for a token that cannot be read. A plain literal fails with 37 or 38 only for want of
+// memory, which is no property of the token.
 ValuePtr ValueOfToken(std::string_view token) {
   std::int32_t position = 0;
   std::int32_t code = 0;
   String text;
   ValuePtr value(IxoMepValue::Create(String(token), position, code, text, nullptr, -1));
-  return value != nullptr ? std::move(value) : MakeValue();
+  if (value != nullptr) return value;
+  const bool is_expression = token.starts_with('(') || token.starts_with('{');
+  if (!is_expression && (code == IMEPERR_TOO_LONG || code == IMEPERR_TOO_DEEP)) {
+    throw std::bad_alloc();
+  }
+  return MakeValue();
 }
 
 IxoMepErrorEnum Split(Call& call, ValuePtr (*element_of)(std::string_view)) {

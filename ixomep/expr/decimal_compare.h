@@ -2,7 +2,6 @@
 // significant digits, so that 0.1 + 0.2 equals 0.3. Defined in decimal_compare.cpp.
 #pragma once
 
-#include <algorithm>
 #include <cmath>
 #include <compare>
 
@@ -19,17 +18,14 @@ std::strong_ordering CompareDecimalTexts(double a, double b) noexcept;
 // stand in the order of the numbers, and texts can be equal only of numbers that are within one
 // unit of the twelfth digit.
 inline bool NumbersDecide(double a, double b) noexcept {
-  // One unit of the twelfth digit is at most 1e-11 of a number; the rest is a margin.
+  // One unit of the twelfth digit is at most 1e-11 of the larger number; the rest is a margin.
   constexpr double kClose = 1.1e-11;
-  // Inside these bounds neither the difference nor its relation to the numbers leaves the range of
-  // normal doubles.
-  constexpr double kSmallest = 1e-280;
+  // Inside these bounds neither the difference nor its relation to the sizes leaves the range of
+  // normal doubles. NaN is never inside.
+  constexpr double kSmallest = 2e-280;
   constexpr double kLargest = 1e280;
-  if (a == b) return true;
-  const double a_size = std::fabs(a);
-  const double b_size = std::fabs(b);
-  return a_size >= kSmallest && b_size >= kSmallest && a_size <= kLargest && b_size <= kLargest &&
-         std::fabs(a - b) > kClose * std::max(a_size, b_size);
+  const double size = std::fabs(a) + std::fabs(b);
+  return (std::fabs(a - b) > kClose * size && size >= kSmallest && size <= kLargest) || a == b;
 }
 
 }  // namespace ixomep

@@ -7,6 +7,7 @@
 
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/node_ptr.h"
+#include "ixomep/expr/node_text.h"
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/values/error.h"
 
@@ -21,7 +22,8 @@ IxoMepExpressionParser* CloneExpression(const IxoMepExpressionParser* parser) {
 void DestroyExpression(IxoMepExpressionParser* parser) noexcept { delete parser; }
 
 String TextOfExpression(const IxoMepExpressionParser* parser) {
-  return parser != nullptr ? parser->GetExpression(nullptr) : String();
+  const IxoMepExprNode* const tree = parser != nullptr ? parser->GetTree() : nullptr;
+  return tree != nullptr ? "(" + PrettyTextOf(*tree, nullptr) + ")" : String();
 }
 
 IxoMepExprNode* KeepLambda(IxoMepExprNode* lambda) {

@@ -23,9 +23,11 @@ namespace {
 
 using Worker = IxoMepErrorEnum(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out);
 
-IxoMepErrorEnum RunWorker(Worker& worker, const IxoMepExprNode& node,
-                          const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
-                          IxoMepValue*& result, String& text, bool strict) {
+// Out of line, so that what is answered before it needs no frame.
+[[gnu::noinline]] IxoMepErrorEnum RunWorker(Worker& worker, const IxoMepExprNode& node,
+                                            const IxoMepExpressionParser* parser,
+                                            IxoMepValueSet* scope, IxoMepValue*& result,
+                                            String& text, bool strict) {
   Frame frame{parser, scope, text, strict};
   const OuterEntry entry;
   const IxoMepErrorEnum code = Guarded(text, [&] {
@@ -49,11 +51,20 @@ IxoMepErrorEnum RunWorker(Worker& worker, const IxoMepExprNode& node,
 bool StoreNumber(const char* name, const IxoMepValueSet* scope, IxoMepValue* result) noexcept {
   if (scope == nullptr || result == nullptr) return false;
   if (IxoMepExprNode::m_nCallDepth > ixomep::CallDepth::kMax) return false;
-  const IxoMepValue* const value = scope->_find(name);
+  const IxoMepValue* const value = scope->FindInBucket(IxoMepValueSet::IndexOf(name), name);
   if (value == nullptr || !ixomep::IsScalar(*value)) return false;
   IxoMepExprNode::m_nCallDepth = 0;
   *result = *value;
   return true;
+}
+
+// One parameter of a call, null when the call has none there.
+inline IxoMepErrorEnum EvaluateParam(const IxoMepExprNode& call, const IxoMepExprNode* param,
+                                     const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
+                                     IxoMepValue*& result, String& text, bool strict) {
+  if (param != nullptr) return param->Evaluate(parser, scope, result, text, strict);
+  FailResult(result, scope);
+  return IxoMepError::MakeFunctionError(text, IMEPERR_WRONG_ARGUMENT_COUNT, &call);
 }
 
 // Which worker serves a kind of node, when a host asks for one by its own name.
@@ -197,32 +208,24 @@ IxoMepErrorEnum IxoMepExprNode::EvaluateLambda(const IxoMepExprNode* lambda,
 IxoMepErrorEnum IxoMepExprNode::GetParamResult(const IxoMepExpressionParser* parser,
                                                IxoMepValueSet* scope, IxoMepValue*& result,
                                                String& errorText, bool strict) const {
-  const IxoMepExprNode* const param = GetParam1();
-  if (param != nullptr) return param->Evaluate(parser, scope, result, errorText, strict);
-  FailResult(result, scope);
-  return IxoMepError::MakeFunctionError(errorText, IMEPERR_WRONG_ARGUMENT_COUNT, this);
+  return EvaluateParam(*this, GetParam1(), parser, scope, result, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::GetParamResults(const IxoMepExpressionParser* parser,
                                                 IxoMepValueSet* scope, IxoMepValue*& first,
                                                 IxoMepValue*& second, String& errorText,
                                                 bool strict) const {
-  IxoMepErrorEnum code = GetParamResult(parser, scope, first, errorText, strict);
+  const IxoMepErrorEnum code =
+      EvaluateParam(*this, GetParam1(), parser, scope, first, errorText, strict);
   if (code != IMEPERR_NONE) return code;
-  const IxoMepExprNode* const param = GetParam2();
-  if (param != nullptr) return param->Evaluate(parser, scope, second, errorText, strict);
-  FailResult(second, scope);
-  return IxoMepError::MakeFunctionError(errorText, IMEPERR_WRONG_ARGUMENT_COUNT, this);
+  return EvaluateParam(*this, GetParam2(), parser, scope, second, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::GetParamResults(const IxoMepExpressionParser* parser,
                                                 IxoMepValueSet* scope, IxoMepValue*& first,
                                                 IxoMepValue*& second, IxoMepValue*& third,
                                                 String& errorText, bool strict) const {
-  IxoMepErrorEnum code = GetParamResults(parser, scope, first, second, errorText, strict);
+  const IxoMepErrorEnum code = GetParamResults(parser, scope, first, second, errorText, strict);
   if (code != IMEPERR_NONE) return code;
-  const IxoMepExprNode* const param = GetParam3();
-  if (param != nullptr) return param->Evaluate(parser, scope, third, errorText, strict);
-  FailResult(third, scope);
-  return IxoMepError::MakeFunctionError(errorText, IMEPERR_WRONG_ARGUMENT_COUNT, this);
+  return EvaluateParam(*this, GetParam3(), parser, scope, third, errorText, strict);
 }

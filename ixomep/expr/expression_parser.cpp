@@ -9,6 +9,7 @@
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/guarded.h"
 #include "ixomep/expr/node_ptr.h"
+#include "ixomep/expr/node_text.h"
 #include "ixomep/expr/parse.h"
 #include "ixomep/expr/program.h"
 #include "ixomep/expr/value_set_pool.h"
@@ -162,7 +163,7 @@ IxoMepExpressionParser* IxoMepExpressionParser::CreateConstantEP(const IxoMepVal
 String IxoMepExpressionParser::GetExpression(const IxoMepValueSet* scope) const {
   if (tree_ == nullptr) return String();
   try {
-    return "(" + tree_->GetPrettyText(scope) + ")";
+    return "(" + ixomep::PrettyTextOf(*tree_, scope) + ")";
   } catch (const std::exception&) {
     return String();  // too long, or no memory
   }

@@ -1,5 +1,7 @@
 // Trees read-only: back to text, and the test for a single variable. Both walk with a list of
 // their own instead of recursion; the text is appended to one buffer.
+#include "ixomep/expr/node_text.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -176,14 +178,18 @@ bool HoldsItself(const IxoMepExprNode& node, std::string_view name,
 
 }  // namespace
 
-String IxoMepExprNode::GetPrettyText(const IxoMepValueSet* scope) const {
+String ixomep::PrettyTextOf(const IxoMepExprNode& node, const IxoMepValueSet* scope) {
   String text;
-  try {
-    Printer(scope, text).Print(*this);
-  } catch (const std::exception&) {
-    text.Clear();  // no memory, or more text than a String holds
-  }
+  Printer(scope, text).Print(node);
   return text;
+}
+
+String IxoMepExprNode::GetPrettyText(const IxoMepValueSet* scope) const {
+  try {
+    return ixomep::PrettyTextOf(*this, scope);
+  } catch (const std::exception&) {
+    return String();  // no memory, or more text than a String holds
+  }
 }
 
 String IxoMepExprNode::GetOpName(Kind kind) { return String(ixomep::OperatorText(kind)); }

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <exception>
+#include <memory>
 #include <span>
 #include <string_view>
 
@@ -15,6 +16,8 @@ namespace {
 
 class TextSum {
  public:
+  TextSum() noexcept {}
+
   // False when the part is no text.
   bool Add(const TextSumOp::Part& part, Run& run) {
     const Operand& operand = part.operand;
@@ -37,7 +40,7 @@ class TextSum {
     return AddText(owned_.back());
   }
 
-  String Joined() const { return String::Joined(std::span(views_.data(), count_)); }
+  String Joined() const { return String::Joined(std::span(views_, count_)); }
 
  private:
   static constexpr std::size_t kDigits = 11;
@@ -45,19 +48,24 @@ class TextSum {
   bool AddInteger(std::int32_t number) noexcept {
     char* const begin = digits_.data() + count_ * kDigits;
     const char* const end = std::to_chars(begin, begin + kDigits, number).ptr;
-    views_[count_++] = {begin, end};
-    return true;
+    return AddView({begin, end});
   }
 
   // Where a value stands may change, its text stays.
   bool AddText(const IxoMepValue& value) noexcept {
     if (value.GetType() != IxoMepValueType::String) return false;
-    views_[count_++] = ValueAccess::Text(value).view();
+    return AddView(ValueAccess::Text(value).view());
+  }
+
+  bool AddView(std::string_view view) noexcept {
+    std::construct_at(&views_[count_++], view);
     return true;
   }
 
   std::size_t count_ = 0;
-  std::array<std::string_view, TextSumOp::kMaxParts> views_;
+  union {  // made one by one: setting all of them first is a third of the work
+    std::string_view views_[TextSumOp::kMaxParts];
+  };
   std::array<char, kDigits * TextSumOp::kMaxParts> digits_;
   std::vector<IxoMepValue> owned_;
 };

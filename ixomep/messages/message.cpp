@@ -1,11 +1,34 @@
 // Answers and delivery of messages.
 #include "ixomep/messages/message.h"
 
+#include <exception>
+#include <new>
 #include <string>
+#include <utility>
 
 #include "ixomep/host/assertion.h"
 #include "ixomep/messages/message_port.h"
 #include "ixomep/messages/message_port_manager.h"
+
+namespace {
+
+// The port of that address, else one of that text; reported when there is none.
+IxoMessagePort* FindPort(const char* name) {
+  const IxoMessagePortManager& manager = IxoMessagePortManager::Instance();
+  IxoMessagePort* const port = manager.FindMessagePort(name);
+  if (port != nullptr) return port;
+  try {
+    const std::string text = name != nullptr ? name : "";
+    IxoMessagePort* const other = manager.FindMessagePort(manager.GetMPNameStrAddress(text));
+    if (other != nullptr) return other;
+    ixomep::ReportAssertion("no message port is registered under the name \"" + text + "\"");
+  } catch (const std::bad_alloc&) {
+    ixomep::ReportAssertion("no memory to look for a message port");
+  }
+  return nullptr;
+}
+
+}  // namespace
 
 IxoMessage& IxoMessage::operator=(const String& text) {
   text_ = text;
@@ -15,20 +38,18 @@ IxoMessage& IxoMessage::operator=(const String& text) {
 IxoMessage& IxoMessage::operator=(const char* text) { return *this = String(text); }
 
 void IxoMessage::SetAnswer(const String& answer) {
-  // In one step, so that the answer stays as it was when there is no memory for it.
-  const bool needs_break = !answer_.IsEmpty() && !answer_.view().ends_with('\n');
-  answer_.Append(needs_break ? "\n" + answer : answer);
+  try {
+    // In one step, so that growing in place keeps many answers cheap.
+    const bool needs_break = !answer_.IsEmpty() && !answer_.view().ends_with('\n');
+    answer_.Append(needs_break ? "\n" + answer : answer);
+  } catch (const std::exception&) {
+    // Too long, or no memory: the answer stays as it is.
+  }
 }
 
 bool IxoMessage::SendTo(const char* portName) {
-  IxoMessagePortManager& manager = IxoMessagePortManager::Instance();
-  IxoMessagePort* port = manager.FindMessagePort(portName);
-  if (port == nullptr) port = manager.FindMessagePort(manager.GetMPNameStrAddress(portName));
-  if (port == nullptr) {
-    const std::string name = portName != nullptr ? portName : "";
-    ixomep::ReportAssertion("no message port is registered under the name \"" + name + "\"");
-    return false;
-  }
+  IxoMessagePort* const port = FindPort(portName);
+  if (port == nullptr) return false;
   port->Receive(*this);
   return true;
 }

@@ -19,7 +19,8 @@ class IXOMEP_API IxoMessage {
 
   // What the receivers wrote back, one line each.
   const String& GetAnswer() const noexcept { return answer_; }
-  // Appends to the answer, on a line of its own.
+  // Appends to the answer, on a line of its own; the answer stays as it is when it would be too
+  // long or the memory cannot be had.
   void SetAnswer(const String& answer);
 
   // The companion object; not owned, null by default.

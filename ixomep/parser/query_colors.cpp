@@ -89,7 +89,7 @@ IxoMepExpressionParser* CreateConstant(const IxoMepElement& element, const Color
   auto expression = NewExpressionLike(element);
   if (expression == nullptr) return nullptr;
   expression->SetConstant(IxoMepValue(color.GetPacked()));
-  return expression.release();
+  return expression->GetTree() != nullptr ? expression.release() : nullptr;  // null: no memory
 }
 
 }  // namespace
@@ -132,8 +132,10 @@ bool IxoMepParser::GetColor(const String& colorName, const String& redName, cons
 }
 
 bool IxoMepParser::GetColor(Color& color) const {
-  const ComponentNames& names = DefaultNames(Current());
-  return GetColor(kColor, names.red, names.green, names.blue, color);
+  return ixomep::OrNeutral(false, [&] {
+    const ComponentNames& names = DefaultNames(Current());
+    return GetColor(kColor, names.red, names.green, names.blue, color);
+  });
 }
 
 // What depends on variables stays an expression, also when it could be evaluated now.
@@ -157,6 +159,8 @@ IxoMepExpressionParser* IxoMepParser::CreateColorEP(const String& colorName, con
 }
 
 IxoMepExpressionParser* IxoMepParser::CreateColorEP() const {
-  const ComponentNames& names = DefaultNames(Current());
-  return CreateColorEP(kColor, names.red, names.green, names.blue);
+  return ixomep::OrNeutral<IxoMepExpressionParser*>(nullptr, [this] {
+    const ComponentNames& names = DefaultNames(Current());
+    return CreateColorEP(kColor, names.red, names.green, names.blue);
+  });
 }

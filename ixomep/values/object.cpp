@@ -43,12 +43,6 @@ IxoMepObject::Properties::Properties(const Properties& other) : Properties() {
   }
 }
 
-IxoMepObject::Properties& IxoMepObject::Properties::operator=(const Properties& other) {
-  Properties copy(other);
-  values.swap(copy.values);
-  return *this;
-}
-
 IxoMepObject::Properties::~Properties() {
   for (const auto& [name, value] : values) delete value;
   MemoryBudget::Give(values.size() * kPropertyBytes);

@@ -71,7 +71,7 @@ class IXOMEP_API IxoMepObject {
    public:
     Properties() = default;
     Properties(const Properties& other);
-    Properties& operator=(const Properties& other);
+    Properties& operator=(const Properties& other) = delete;
     virtual ~Properties();
     // The slot under the name, created empty when absent.
     IxoMepValue*& Slot(const String& name);

@@ -30,12 +30,33 @@ std::uint64_t HashOf(std::string_view text) noexcept {
     for (std::size_t i = 0; i + 8 < length; i += 8) add(WordAt<std::uint64_t>(text.data() + i));
     add(WordAt<std::uint64_t>(text.data() + length - 8));
   } else if (length >= 4) {
-    add(WordAt<std::uint32_t>(text.data()) << 32 |
-        WordAt<std::uint32_t>(text.data() + length - 4));
+    add(WordAt<std::uint32_t>(text.data()) << 32 | WordAt<std::uint32_t>(text.data() + length - 4));
   } else {
     for (const char byte : text) add(static_cast<unsigned char>(byte));
   }
   return hash ^ (hash >> 32);
+}
+
+// Keys are short: comparing them here is faster than the call of the library's function.
+bool AreSame(std::string_view a, std::string_view b) noexcept {
+  const std::size_t length = a.size();
+  if (length != b.size()) return false;
+  if (length >= 8) {
+    for (std::size_t i = 0; i + 8 < length; i += 8) {
+      if (WordAt<std::uint64_t>(a.data() + i) != WordAt<std::uint64_t>(b.data() + i)) return false;
+    }
+    return WordAt<std::uint64_t>(a.data() + length - 8) ==
+           WordAt<std::uint64_t>(b.data() + length - 8);
+  }
+  if (length >= 4) {
+    return WordAt<std::uint32_t>(a.data()) == WordAt<std::uint32_t>(b.data()) &&
+           WordAt<std::uint32_t>(a.data() + length - 4) ==
+               WordAt<std::uint32_t>(b.data() + length - 4);
+  }
+  for (std::size_t i = 0; i < length; ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
 }
 
 std::string_view TextOf(const TextIndex::Entry& entry) noexcept {
@@ -48,7 +69,7 @@ const TextIndex::Entry* TextIndex::Find(std::string_view key) const noexcept {
   const std::uint64_t hash = HashOf(key);
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t i = hash & mask; slots_[i].entry != nullptr; i = (i + 1) & mask) {
-    if (slots_[i].hash == hash && TextOf(*slots_[i].entry) == key) return slots_[i].entry;
+    if (slots_[i].hash == hash && AreSame(TextOf(*slots_[i].entry), key)) return slots_[i].entry;
   }
   return nullptr;
 }

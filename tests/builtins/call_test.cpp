@@ -260,5 +260,13 @@ TEST(Call, Every_limit_of_memory_leaves_a_clean_failure_or_a_result) {
   }
 }
 
+TEST(Arguments, Keep_the_value_that_they_had_when_a_later_one_changes_the_variable) {
+  Session session;
+  EXPECT_EQ(session.Eval("x := 3, max(x, (x := 1))"), "integer 3");
+  EXPECT_EQ(session.Eval("a := {3}, max(a[0], (a[0] := 1))"), "integer 3");
+  EXPECT_EQ(session.Eval("s := \"abc\", replace(s, \"b\", (s := \"-\"))"), "string \"a-c\"");
+  EXPECT_EQ(session.Eval("s := \"abc\", copy(s, 1, (s := \"\", 2))"), "string \"bc\"");
+}
+
 }  // namespace
 }  // namespace ixomep::test

@@ -299,6 +299,36 @@ TEST(Program, Does_what_the_walk_does) {
       "x := 1/0, x",
       "g := lambda(p, n, q, r, i, p + n + q + r + i), g(1, 2, 3, 4, 5), g(1, 2, 3, 4, 5)",
       "g := lambda(p, p, p), g(1, 2), g(1, 2)",
+      // A callee that becomes known later sees its caller's arguments.
+      "h := lambda(q, g(0)), g := lambda(p, p + q), h(7) + h(8)",
+      "h := lambda(q, n, g(q)), g := lambda(p, q + n + k(1)), k := lambda(x, x + q), h(7, 1)",
+      "h := lambda(q, g(0)), g := lambda(p, (q := q + 1, q)), h(7) + h(8)",
+      // Sums of texts.
+      "s + \" (\" + STR i + \")\"",
+      "s + \"-\" + STR r + \"-\" + STR t + \"-\" + STR u",
+      "s + \"-\" + a[3] + STR a[0] + m[2] + STR m + STR w",
+      "g := lambda(p, p + \"/\" + STR p + STR i), g(s), g(1)",
+      "\"a\" + i + \"b\"",
+      "i + \"a\" + \"b\"",
+      "\"a\" + \"b\" + missing",
+      "\"a\" + a[9] + \"b\"",
+      "s + \"1\" + s + \"2\" + s + \"3\" + s + \"4\" + s + \"5\" + s + \"6\"",
+      // Sums in place.
+      "x := 0, for(n, 1, 5){x := x + n}{x}",
+      "x := 0.5, for(n, 1, 5){x := x + n}{x}",
+      "x := 0, for(n, 1, 5){x := x + r}{x}",
+      "x := 2147483647, for(n, 1, 2){x := x + 1}{x}",
+      "for(n, 1, 3){t := t + t}{t}",
+      "for(n, 1, 3){w := w + 1}{w}",
+      "for(n, 1, 3){i := i + missing}{i}",
+      "for(n, 1, 3){u := u + n}{u}",
+      "g := lambda(p, for(n, 1, 3){p := p + n}{p}), g(1) + g(0.5)",
+      // More names than a scope has buckets.
+      "a1 := 1, a2 := 2, a3 := 3, a4 := 4, a5 := 5, a6 := 6, a7 := 7, a8 := 8, a9 := 9, b1 := 10, "
+      "b2 := 1.5, b3 := 2.5, b4 := 3, b5 := 4, b6 := 5, b7 := 6, b8 := 7, b9 := 8, c1 := 9, "
+      "c2 := 1, c3 := 2, c4 := 3, c5 := 4, c6 := 5, c7 := 6, c8 := 7, c9 := 8, d1 := 9, "
+      "for(n, 1, 3){a1 := a1 + c9, b2 := b2 * a2, c4 := c4 - d1, d1 := a9 < b3}, "
+      "a1 + b2 + c4 + d1 + a3 * b4 - c5 / b6",
   };
   for (const char* const expression : expressions) {
     for (const bool strict : {false, true}) {

@@ -119,6 +119,34 @@ TEST(Assertion, Of_the_default_host_writes_one_line_and_continues) {
             "internal fault: fault inside\n");
 }
 
+// Overrides nothing.
+class BareHost : public IxoHost {
+ public:
+  BareHost() : previous_(IxoHost::Install(this)) {}
+  ~BareHost() override { IxoHost::Install(previous_); }
+
+ private:
+  IxoHost* previous_;
+};
+
+TEST(Host, One_that_overrides_nothing_reports_as_the_default_host_does) {
+  const BareHost host;
+  ::testing::internal::CaptureStderr();
+  ixomep::ReportAssertion("source.cpp", 12, "broken contract");
+  displayErrorMessage("fault inside");
+  EXPECT_EQ(IxoHost::Current().ShowErrorBox(nullptr, 0, "title", "text"),
+            IxoErrorBox::kAnswerContinue);
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+            "assertion failed: broken contract (source.cpp, line 12)\n"
+            "internal fault: fault inside\n"
+            "title\ntext\n");
+}
+
+TEST(HostDeathTest, One_that_overrides_nothing_ends_the_process_with_the_status) {
+  const BareHost host;
+  EXPECT_EXIT(IxoHost::Current().EndProcess(7), ::testing::ExitedWithCode(7), "");
+}
+
 class ThrowingHost : public IxoHost {
  public:
   ThrowingHost() : previous_(IxoHost::Install(this)) {}

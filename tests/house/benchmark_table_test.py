@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests scripts/benchmark_table.py on made-up results: cells, rates, ratios, what is left out."""
+"""Tests bench/benchmark_table.py on made-up results: cells, rates, ratios, what is left out."""
 import json
 import pathlib
 import subprocess
@@ -7,7 +7,7 @@ import sys
 import tempfile
 import unittest
 
-SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "benchmark_table.py"
+SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "bench" / "benchmark_table.py"
 
 
 def cell(what, engine, time, cv=0.01, unit="ms", rate=None):

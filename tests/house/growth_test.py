@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests scripts/growth.py on made-up results: exponents, bounds, failures, table and plot."""
+"""Tests bench/growth.py on made-up results: exponents, bounds, failures, table and plot."""
 import json
 import pathlib
 import subprocess
@@ -8,7 +8,7 @@ import tempfile
 import unittest
 import xml.etree.ElementTree
 
-SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "growth.py"
+SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "bench" / "growth.py"
 SIZES = [256, 1024, 4096, 16384, 65536]
 SVG = "{http://www.w3.org/2000/svg}"
 

@@ -2,7 +2,7 @@
 # Measures how the time of operations grows with their size, and fails when one grows faster than
 # it may. What seems to do so is measured again, twice at most: on a machine with other work a
 # single time says little.
-#   scripts/run_growth.sh BUILD_DIRECTORY [ARGUMENTS OF GOOGLE BENCHMARK]
+#   bench/run_growth.sh BUILD_DIRECTORY [ARGUMENTS OF GOOGLE BENCHMARK]
 # Writes BUILD_DIRECTORY/growth.svg and growth.md; the results stay in BUILD_DIRECTORY/bench/results.
 set -euo pipefail
 build=$1

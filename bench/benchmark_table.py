@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints one table from the results of benchmarks that are named "<what>/<engine>".
 
-    scripts/benchmark_table.py RESULT.json...
+    bench/benchmark_table.py RESULT.json...
 
 A cell is the median of the repeats, their coefficient of variation, and how many times as long as
 this library it took. What was measured with a number of bytes is shown as a rate in megabytes a

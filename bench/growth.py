@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Tells how the time of operations grows with their size, from results of the growth benchmarks.
 
-    scripts/growth.py --svg PLOT.svg --table TABLE.md [--again FILE] RESULT.json...
+    bench/growth.py --svg PLOT.svg --table TABLE.md [--again FILE] RESULT.json...
 
 An operation is measured at several sizes, "<family>, <operation>/<size>" with a counter "bound".
 Its exponent is the slope of time against size, both logarithmic, over its largest sizes. Writes

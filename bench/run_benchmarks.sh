@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs the benchmark programs of a build directory that compare this library with its peers,
 # repeats interleaved, and prints one table.
-#   scripts/run_benchmarks.sh BUILD_DIRECTORY [ARGUMENTS OF GOOGLE BENCHMARK]
+#   bench/run_benchmarks.sh BUILD_DIRECTORY [ARGUMENTS OF GOOGLE BENCHMARK]
 # The results as they were stay in BUILD_DIRECTORY/bench/results.
 set -euo pipefail
 build=$1

@@ -1,0 +1,126 @@
+// The hash beside a map's order: what is found by it is what the order would find, through all
+// changes of the map.
+#include "ixomep/values/text_index.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
+
+#include "ixomep/host/memory_budget.h"
+#include "ixomep/values/value_rep.h"
+#include "tests/support/test_host.h"
+#include "tests/values/samples.h"
+
+namespace ixomep::test {
+namespace {
+
+IxoMepValue Text(const std::string& text) { return IxoMepValue(String(text)); }
+
+void Put(IxoMepValue& map, const std::string& key, int number) {
+  *ValueAccess::OwnEntry(map, Text(key), true) = number;
+}
+
+// Enough lookups to make the hash worth its building.
+void AskOften(const IxoMepValue& map) {
+  for (std::size_t i = 0; i < ValueAccess::Count(map) + 10; ++i) {
+    ValueAccess::FindEntry(map, Text("absent"));
+  }
+}
+
+std::string RandomKey(std::mt19937& random) {
+  std::string key(random() % 20, 'k');
+  for (char& byte : key) byte = static_cast<char>('a' + random() % 3);
+  return key;
+}
+
+TEST(TextIndex, Finds_what_the_order_finds_through_all_changes) {
+  std::mt19937 random(11);
+  for (int round = 0; round < 30; ++round) {
+    IxoMepValue map(IxoMepValueType::Map);
+    std::map<std::string, int> expected;
+    for (int step = 0; step < 600; ++step) {
+      const std::string key = RandomKey(random);
+      switch (random() % 8) {
+        case 0:
+          Put(map, key, step);
+          expected[key] = step;
+          break;
+        case 1:
+          EXPECT_EQ(ValueAccess::EraseKey(map, Text(key)), expected.erase(key) != 0);
+          break;
+        default: {
+          const IxoMepValue* const found = ValueAccess::FindEntry(map, Text(key));
+          const auto known = expected.find(key);
+          ASSERT_EQ(found != nullptr, known != expected.end()) << key;
+          if (found != nullptr) {
+            ASSERT_EQ(found->GetInt(), known->second) << key;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(TextIndex, Leaves_other_keys_to_the_order) {
+  IxoMepValue map(IxoMepValueType::Map);
+  for (int i = 0; i < 20; ++i) {
+    Put(map, "key" + std::to_string(i), i);
+    *ValueAccess::OwnEntry(map, IxoMepValue(i), true) = -i;
+  }
+  AskOften(map);
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(ValueAccess::FindEntry(map, Text("key" + std::to_string(i)))->GetInt(), i);
+    EXPECT_EQ(ValueAccess::FindEntry(map, IxoMepValue(i))->GetInt(), -i);
+  }
+  EXPECT_EQ(ValueAccess::FindEntry(map, Text("7")), nullptr);
+}
+
+TEST(TextIndex, Sees_a_value_that_was_replaced) {
+  IxoMepValue map(IxoMepValueType::Map);
+  for (int i = 0; i < 50; ++i) Put(map, "key" + std::to_string(i), i);
+  AskOften(map);
+  map.MoveValue("key7", new IxoMepValue("other"));
+  EXPECT_EQ(TextOf(*ValueAccess::FindEntry(map, Text("key7"))), "\"other\"");
+}
+
+TEST(TextIndex, Copy_that_is_changed_has_entries_of_its_own) {
+  IxoMepValue map(IxoMepValueType::Map);
+  for (int i = 0; i < 50; ++i) Put(map, "key" + std::to_string(i), i);
+  AskOften(map);
+  IxoMepValue copy = map;
+  Put(copy, "key7", 1000);
+  AskOften(copy);
+  EXPECT_EQ(ValueAccess::FindEntry(copy, Text("key7"))->GetInt(), 1000);
+  EXPECT_EQ(ValueAccess::FindEntry(map, Text("key7"))->GetInt(), 7);
+}
+
+TEST(TextIndex, Gives_its_memory_back) {
+  const std::size_t before = MemoryBudget::InUse();
+  {
+    IxoMepValue map(IxoMepValueType::Map);
+    for (int i = 0; i < 50; ++i) Put(map, "key" + std::to_string(i), i);
+    const std::size_t without = MemoryBudget::InUse();
+    AskOften(map);
+    EXPECT_GE(MemoryBudget::InUse(), without + 50 * 16);
+    ValueAccess::EraseKey(map, Text("key7"));
+    EXPECT_LT(MemoryBudget::InUse(), without + 50 * 16);
+    AskOften(map);
+  }
+  // Freed blocks of values stay with the library, those of the index do not.
+  EXPECT_LT(MemoryBudget::InUse(), before + 50 * 200);
+}
+
+TEST(TextIndex, Without_memory_the_order_answers) {
+  IxoMepValue map(IxoMepValueType::Map);
+  for (int i = 0; i < 50; ++i) Put(map, "key" + std::to_string(i), i);
+  const IxoMepValue key = Text("key7");
+  const std::size_t limit = MemoryBudget::Limit();
+  MemoryBudget::SetLimit(1);
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(ValueAccess::FindEntry(map, key)->GetInt(), 7);
+  MemoryBudget::SetLimit(limit);
+}
+
+}  // namespace
+}  // namespace ixomep::test
