@@ -1,11 +1,10 @@
 // Functions on token lists: tokcnt, token, tokindex, tokcat, the set operations tokunion,
 // tokisect and tokdiff, and the exchange with arrays: tokstr, valtokstr, strarray, valarray.
-#include <new>
-
 #include "ixomep/builtins/handlers.h"
 #include "ixomep/builtins/token_set.h"
 #include "ixomep/builtins/tokens.h"
 #include "ixomep/host/core_time.h"
+#include "ixomep/host/memory_budget.h"
 #include "ixomep/values/slot.h"
 
 namespace ixomep::builtins {
@@ -75,7 +74,7 @@ ValuePtr ValueOfToken(std::string_view token) {
   if (value != nullptr) return value;
   const bool is_expression = token.starts_with('(') || token.starts_with('{');
   if (!is_expression && (code == IMEPERR_TOO_LONG || code == IMEPERR_TOO_DEEP)) {
-    throw std::bad_alloc();
+    MemoryBudget::Refuse();
   }
   return MakeValue();
 }
