@@ -184,6 +184,7 @@ void IxoHost::PrepareMemory(void* memory, std::size_t bytes) noexcept {
 // Interruption ----------------------------------------------------------------------------------
 
 bool IxoHost::IsInterruptRequested() noexcept {
-  IxoHost* host = Fallback(this);
-  return host != nullptr && host->IsInterruptRequested();
+  // Asked often: without a further question to Fallback.
+  IxoHost* const host = ixomep::DefaultHost();
+  return host != this && host->IsInterruptRequested();
 }

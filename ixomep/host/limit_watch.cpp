@@ -55,7 +55,8 @@ Limit LimitWatch::Exceed(Limit which) noexcept {
 
 void LimitWatch::BeginAfresh() noexcept {
   if (limits_.steps != 0) Forget();
-  if (has_host_ && IsInterrupted()) Exceed(Limit::Interrupt);
+  if (has_host_ && IsInterrupted()) [[unlikely]]
+    Exceed(Limit::Interrupt);
 }
 
 void LimitWatch::Forget() noexcept {
