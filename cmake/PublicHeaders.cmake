@@ -17,6 +17,7 @@ set(IXOMEP_PUBLIC_HEADERS
     ixomep/host/windowing.h
     ixomep/host/clock.h
     ixomep/host/assertion.h
+    ixomep/host/limits.h
     ixomep/host/host.h
     ixomep/host/memory_budget.h
     ixomep/values/value_type.h

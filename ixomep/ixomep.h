@@ -27,6 +27,7 @@
 #include "ixomep/host/files.h"
 #include "ixomep/host/host.h"
 #include "ixomep/host/international.h"
+#include "ixomep/host/limits.h"
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/host/numbers.h"
 #include "ixomep/host/reg_ex.h"

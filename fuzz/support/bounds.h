@@ -1,8 +1,11 @@
 // What keeps one input from running away while it is tried: a number of evaluation steps and of
-// bytes. The only place of the fuzz targets that knows how this is done.
+// bytes, through the limits that any host can set.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+
+#include "ixomep/host/limits.h"
 
 namespace ixomep::fuzz {
 
@@ -18,12 +21,12 @@ class Bounds {
   Bounds& operator=(const Bounds&) = delete;
   ~Bounds();
 
-  // Has something ended because of them, or come near the end of the native stack? Then two ways
-  // of doing the same may differ.
+  // Has something ended because of them? Then two ways of doing the same may differ.
   bool Reached() const;
 
  private:
-  std::size_t memory_before_;
+  IxoLimits before_;
+  std::uint64_t exceeded_before_;
 };
 
 }  // namespace ixomep::fuzz

@@ -141,8 +141,8 @@ template <class Step>
 IxoMepErrorEnum Change(Call& call, Step step) {
   try {
     return step();
-  } catch (const std::bad_alloc&) {
-    return call.Fail(IMEPERR_TOO_LONG);
+  } catch (const std::bad_alloc& cause) {
+    return RaiseNoMemory(call.frame().text, IMEPERR_TOO_LONG, cause);
   }
 }
 

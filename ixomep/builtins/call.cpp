@@ -144,10 +144,10 @@ IxoMepErrorEnum RunBuiltin(const BuiltinRow& row, const IxoMepExprNode& node, Fr
   } else {
     try {
       code = RunStages(row, node, frame, out);
-    } catch (const std::bad_alloc&) {
-      code = Raise(frame.text, IMEPERR_TOO_LONG);
-    } catch (const std::length_error&) {
-      code = Raise(frame.text, IMEPERR_TOO_LONG);
+    } catch (const std::bad_alloc& cause) {
+      code = RaiseNoMemory(frame.text, IMEPERR_TOO_LONG, cause);
+    } catch (const std::length_error& cause) {
+      code = RaiseNoMemory(frame.text, IMEPERR_TOO_LONG, cause);
     }
   }
   if (code != IMEPERR_NONE) ValueAccess::SetUndefined(out);
@@ -158,15 +158,17 @@ IxoMepErrorEnum RunHandler(const BuiltinRow& row, const IxoMepExprNode& node,
                            const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
                            IxoMepValue*& result, String& text, bool strict) {
   Frame frame{parser, scope, text, strict};
+  const OuterEntry entry;
   IxoMepErrorEnum code = IMEPERR_NONE;
   try {
     IxoMepValue out;
-    code = RunBuiltin(row, node, frame, out);
+    code = entry.IsAllowed() ? WithinLimits(RunBuiltin(row, node, frame, out), text)
+                             : RaiseLimit(text);
     if (code == IMEPERR_NONE && !frame.no_result) StoreResult(result, std::move(out));
-  } catch (const std::bad_alloc&) {
-    code = Raise(text, IMEPERR_TOO_DEEP);
-  } catch (const std::length_error&) {
-    code = Raise(text, IMEPERR_TOO_LONG);
+  } catch (const std::bad_alloc& cause) {
+    code = RaiseNoMemory(text, IMEPERR_TOO_DEEP, cause);
+  } catch (const std::length_error& cause) {
+    code = RaiseNoMemory(text, IMEPERR_TOO_LONG, cause);
   }
   if (code != IMEPERR_NONE) FailResult(result, scope);
   return code;

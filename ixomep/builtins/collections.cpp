@@ -37,7 +37,10 @@ IxoMepValue Repeated(std::int32_t size, IxoMepValue&& element) {
   IxoMepValue array(IxoMepValueType::Array);
   if (size < 1) return array;
   ValueAccess::Reserve(array, static_cast<std::size_t>(size));
-  for (std::int32_t i = 1; i < size; ++i) ValueAccess::AppendOwned(array, MakeValue(element));
+  for (std::int32_t i = 1; i < size; ++i) {
+    LimitWatch::Work();
+    ValueAccess::AppendOwned(array, MakeValue(element));
+  }
   ValueAccess::AppendOwned(array, MakeValue(std::move(element)));
   return array;
 }
@@ -89,7 +92,7 @@ IxoMepErrorEnum Array(Call& call) {
     sizes.push_back(call.Int(i));
     if (sizes.back() < 1) break;
   }
-  if (!FitsBudget(sizes)) return call.Fail(IMEPERR_TOO_LONG);
+  if (!FitsBudget(sizes)) MemoryBudget::Refuse();
   IxoMepValue nest;
   for (auto size = sizes.rbegin(); size != sizes.rend(); ++size) {
     nest = Repeated(*size, std::move(nest));

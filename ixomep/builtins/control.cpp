@@ -29,6 +29,7 @@ IxoMepErrorEnum Finish(Call& call, std::int32_t final_param) {
 // One round of "for" or "fortok": the loop variable, then the body, whose value nobody wants.
 IxoMepErrorEnum RunBody(Call& call, Place& place, IxoMepValue&& counter,
                         const IxoMepExprNode& body) {
+  if (!LimitWatch::Step()) return RaiseLimit(call.frame().text);
   if (const IxoMepErrorEnum code = place.Store(call.frame(), std::move(counter))) return code;
   IxoMepValue unwanted;
   return EvaluateOperand(body, call.frame(), unwanted);
@@ -55,6 +56,7 @@ IxoMepErrorEnum While(Call& call) {
     bool truth = false;
     if (const IxoMepErrorEnum code = EvaluateCondition(call, condition, truth)) return code;
     if (!truth) return Finish(call, 2);
+    if (!LimitWatch::Step()) return RaiseLimit(call.frame().text);
     IxoMepValue unwanted;
     if (const IxoMepErrorEnum code = EvaluateOperand(body, call.frame(), unwanted)) return code;
   }
@@ -104,12 +106,14 @@ IxoMepErrorEnum Try(Call& call) {
   IxoMepErrorEnum code = IMEPERR_NONE;
   try {
     code = call.ReturnResultOf(call.Param(0));
-  } catch (const std::bad_alloc&) {
-    code = call.Fail(IMEPERR_TOO_DEEP);
-  } catch (const std::length_error&) {
-    code = call.Fail(IMEPERR_TOO_LONG);
+  } catch (const std::bad_alloc& cause) {
+    code = RaiseNoMemory(call.frame().text, IMEPERR_TOO_DEEP, cause);
+  } catch (const std::length_error& cause) {
+    code = RaiseNoMemory(call.frame().text, IMEPERR_TOO_LONG, cause);
   }
   if (code == IMEPERR_NONE) return code;
+  // A limit of the host ends the whole evaluation.
+  if (LimitWatch::Exceeded() != Limit::None) return WithinLimits(code, call.frame().text);
   call.frame().no_result = false;
   // Meant: the text of the failed attempt stays, also when the fallback succeeds.
   return call.ReturnResultOf(call.Param(1));

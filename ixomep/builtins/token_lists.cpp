@@ -1,11 +1,10 @@
 // Functions on token lists: tokcnt, token, tokindex, tokcat, the set operations tokunion,
 // tokisect and tokdiff, and the exchange with arrays: tokstr, valtokstr, strarray, valarray.
-#include <new>
-
 #include "ixomep/builtins/handlers.h"
 #include "ixomep/builtins/token_set.h"
 #include "ixomep/builtins/tokens.h"
 #include "ixomep/host/core_time.h"
+#include "ixomep/host/memory_budget.h"
 #include "ixomep/values/slot.h"
 
 namespace ixomep::builtins {
@@ -18,7 +17,10 @@ TokenSet TokensOf(std::string_view list, Separator separator) {
   // separators, which holds for the empty token in the empty list too.
   if (list.empty()) tokens.Add(list);
   TokenWalker walker(list, separator);
-  for (std::string_view token; walker.Next(token);) tokens.Add(token);
+  for (std::string_view token; walker.Next(token);) {
+    LimitWatch::Work();
+    tokens.Add(token);
+  }
   return tokens;
 }
 
@@ -33,6 +35,7 @@ void AppendTokens(String& result, std::string_view from, std::string_view other,
   const TokenSet members = TokensOf(other, separator);
   TokenWalker walker(from, separator);
   for (std::string_view token; walker.Next(token);) {
+    LimitWatch::Work();
     if (members.Contains(token) == in_other) AppendToken(result, token, separator);
   }
 }
@@ -52,6 +55,7 @@ IxoMepErrorEnum Join(Call& call, String (*text_of)(const IxoMepValue&)) {
   const IxoMepValue& array = call.Arg(0);
   String result;
   for (std::size_t i = 0; i < ValueAccess::Count(array); ++i) {
+    LimitWatch::Work();
     if (i > 0) result += separator.view();
     result += text_of(ValueAccess::Element(array, i));
   }
@@ -70,7 +74,7 @@ ValuePtr ValueOfToken(std::string_view token) {
   if (value != nullptr) return value;
   const bool is_expression = token.starts_with('(') || token.starts_with('{');
   if (!is_expression && (code == IMEPERR_TOO_LONG || code == IMEPERR_TOO_DEEP)) {
-    throw std::bad_alloc();
+    MemoryBudget::Refuse();
   }
   return MakeValue();
 }
@@ -83,6 +87,7 @@ IxoMepErrorEnum Split(Call& call, ValuePtr (*element_of)(std::string_view)) {
   ValueAccess::Reserve(array, static_cast<std::size_t>(CountTokens(list, separator)));
   TokenWalker walker(list, separator);
   for (std::string_view token; walker.Next(token);) {
+    LimitWatch::Work();
     ValueAccess::AppendOwned(array, element_of(token));
   }
   return call.Return(std::move(array));

@@ -414,10 +414,10 @@ IxoMepErrorEnum ApplyBinaryTo(IxoMepExprNodeType kind, const IxoMepValue& left,
   if (action == nullptr) return WrongTypes(kind, left, right, text);
   try {
     return action({kind, left, right, out, text});
-  } catch (const std::bad_alloc&) {
-    return Raise(text, IMEPERR_TOO_LONG);
-  } catch (const std::length_error&) {
-    return Raise(text, IMEPERR_TOO_LONG);
+  } catch (const std::bad_alloc& cause) {
+    return RaiseNoMemory(text, IMEPERR_TOO_LONG, cause);
+  } catch (const std::length_error& cause) {
+    return RaiseNoMemory(text, IMEPERR_TOO_LONG, cause);
   }
 }
 

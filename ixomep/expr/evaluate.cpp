@@ -6,6 +6,9 @@
 // between that could change it (IsQuiet); else a copy is held, which for most values is one count.
 #include "ixomep/expr/evaluator.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "ixomep/expr/binary_operators.h"
 #include "ixomep/expr/call_depth.h"
 #include "ixomep/expr/guarded.h"
@@ -14,6 +17,7 @@
 #include "ixomep/host/assertion.h"
 #include "ixomep/host/numbers.h"
 #include "ixomep/values/object.h"
+#include "ixomep/values/string_address_map.h"
 
 namespace ixomep {
 
@@ -186,6 +190,35 @@ bool IsQuietTree(const IxoMepExprNode* node, std::int32_t& budget) noexcept {
   return true;
 }
 
+// A function whose own work takes no steps.
+bool IsStepless(const IxoMepExprNode* callee) noexcept {
+  static const char* const kNames[] = {Intern("aappend"), Intern("cond"), Intern("{"),
+                                       Intern("{:"),      Intern("set"),  Intern("try")};
+  return callee != nullptr && callee->GetType() == Kind::Variable &&
+         std::find(std::begin(kNames), std::end(kNames), callee->GetNameAddress()) !=
+             std::end(kNames);
+}
+
+bool IsSteplessTree(const IxoMepExprNode* node, std::int32_t& budget) noexcept {
+  for (; node != nullptr; node = node->Right()) {
+    if (--budget < 0) return false;
+    switch (node->GetType()) {
+      case Kind::Constant:
+      case Kind::Variable:
+        return true;
+      case Kind::FunctionCall:
+        if (!IsStepless(node->Left())) return false;
+        break;
+      case Kind::Lambda:
+      case Kind::Val:
+        return false;
+      default:
+        if (!IsSteplessTree(node->Left(), budget)) return false;
+    }
+  }
+  return true;
+}
+
 // Reads the left operand in place when evaluating the right one cannot change it, else copies it.
 IxoMepErrorEnum ReadLeft(const IxoMepExprNode& node, Frame& frame, IxoMepValue& storage,
                          const IxoMepValue*& value) {
@@ -232,6 +265,12 @@ IxoMepErrorEnum BorrowOperand(const IxoMepExprNode& node, Frame& frame, IxoMepVa
 bool IsQuiet(const IxoMepExprNode& node) noexcept {
   std::int32_t budget = kQuietNodes;
   return IsQuietTree(&node, budget);
+}
+
+bool MayTakeSteps(const IxoMepExprNode& node) noexcept {
+  constexpr std::int32_t kNodes = 64;
+  std::int32_t budget = kNodes;
+  return !IsSteplessTree(&node, budget);
 }
 
 IxoMepErrorEnum EvaluateProperty(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out) {

@@ -36,11 +36,13 @@ void TakeResult(ValuePtr result, Frame& frame, IxoMepValue& out) noexcept {
 
 IxoMepErrorEnum CallHook(const IxoMepExprNode& call, const char* name, Frame& frame,
                          IxoMepValue& out) {
+  if (!LimitWatch::Step()) return RaiseLimit(frame.text);
   IxoMepValue* slot = nullptr;
   const IxoMepErrorEnum code = ParserOf(frame).EvaluateFunctionCall(
       &call, frame.scope, String(name), slot, frame.text, frame.strict);
   ValuePtr result(slot);
   if (code == IMEPERR_NONE) TakeResult(std::move(result), frame, out);
+  if (code == IMEPERR_UNKNOWN_FUNCTION) LimitWatch::GiveBack(1);  // no function of the host
   return code;
 }
 
@@ -239,6 +241,8 @@ IxoMepErrorEnum CallLambda(const IxoMepExprNode& lambda, const IxoMepExprNode& c
     scope->NewMoveValue(parameter->GetNameAddress(), argument.release(), true);
     parameter = parameter->Left();
   }
+  const CallLevel level;
+  if (!level.IsAllowed()) return RaiseLimit(frame.text);
   Frame inner = frame.In(scope.get());
   const IxoMepErrorEnum code = EvaluateBody(*held, inner, out);
   frame.no_result = inner.no_result;

@@ -12,6 +12,9 @@
 using ixomep::FailResult;
 using ixomep::Frame;
 using ixomep::Guarded;
+using ixomep::OuterEntry;
+using ixomep::RaiseLimit;
+using ixomep::WithinLimits;
 using Kind = IxoMepExprNodeType;
 
 std::int32_t IxoMepExprNode::m_nCallDepth = 0;
@@ -26,9 +29,11 @@ using Worker = IxoMepErrorEnum(const IxoMepExprNode& node, Frame& frame, IxoMepV
                                             IxoMepValueSet* scope, IxoMepValue*& result,
                                             String& text, bool strict) {
   Frame frame{parser, scope, text, strict};
+  const OuterEntry entry;
   const IxoMepErrorEnum code = Guarded(text, [&] {
+    if (!entry.IsAllowed()) return RaiseLimit(text);
     IxoMepValue value;
-    const IxoMepErrorEnum worker_code = worker(node, frame, value);
+    const IxoMepErrorEnum worker_code = WithinLimits(worker(node, frame, value), text);
     if (worker_code != IMEPERR_NONE || frame.no_result) return worker_code;
     if (result != nullptr && ixomep::IsScalar(value)) {
       ixomep::StoreScalar(*result, value.GetType(), ixomep::ValueAccess::Bits(value));
@@ -75,12 +80,15 @@ bool IsMethodCall(const IxoMepExprNode& node) noexcept {
 IxoMepErrorEnum LendPlace(const IxoMepExprNode& node, const IxoMepExpressionParser* parser,
                           IxoMepValueSet* scope, IxoMepValue*& result, String& text) {
   result = nullptr;
+  const OuterEntry entry;
   return Guarded(text, [&] {
+    if (!entry.IsAllowed()) return RaiseLimit(text);
     Frame frame{parser, scope, text, false};
     ixomep::Place place;
     IxoMepValue* value = nullptr;
     IxoMepErrorEnum code = place.Evaluate(node, frame, ixomep::PlaceUse::Lend);
     if (code == IMEPERR_NONE) code = place.Find(frame, value);
+    code = WithinLimits(code, text);
     if (code == IMEPERR_NONE) result = value;
     return code;
   });
@@ -155,11 +163,13 @@ IxoMepErrorEnum IxoMepExprNode::EvaluateObjectSubscriptionLValue(
 IxoMepErrorEnum IxoMepExprNode::AssignToLValue(IxoMepValue* value,
                                                const IxoMepExpressionParser* parser,
                                                IxoMepValueSet* scope, String& errorText) const {
+  const OuterEntry entry;
   return Guarded(errorText, [&] {
+    if (!entry.IsAllowed()) return RaiseLimit(errorText);
     Frame frame{parser, scope, errorText, false};
     IxoMepValue copy(value != nullptr ? *value : *IxoMepValue::GetNull());
     ixomep::Place place;
-    const IxoMepErrorEnum code = place.Evaluate(*this, frame);
+    const IxoMepErrorEnum code = WithinLimits(place.Evaluate(*this, frame), errorText);
     return code != IMEPERR_NONE ? code : place.Store(frame, std::move(copy));
   });
 }
@@ -179,10 +189,13 @@ IxoMepErrorEnum IxoMepExprNode::EvaluateLambda(const IxoMepExprNode* lambda,
                                                IxoMepValueSet* scope, IxoMepValue*& result,
                                                String& errorText, bool strict) const {
   Frame frame{parser, scope, errorText, strict};
+  const OuterEntry entry;
   const IxoMepErrorEnum code = Guarded(errorText, [&] {
+    if (!entry.IsAllowed()) return RaiseLimit(errorText);
     if (lambda == nullptr) return ixomep::Raise(errorText, IMEPERR_NOT_CALLABLE);
     IxoMepValue value;
-    const IxoMepErrorEnum call_code = ixomep::CallLambda(*lambda, *this, frame, value);
+    const IxoMepErrorEnum call_code =
+        WithinLimits(ixomep::CallLambda(*lambda, *this, frame, value), errorText);
     if (call_code == IMEPERR_NONE && !frame.no_result) {
       ixomep::StoreResult(result, std::move(value));
     }

@@ -57,6 +57,9 @@ inline bool IsInert(const IxoMepExprNode& node) noexcept {
 // is not small counts as not inert.
 bool IsQuiet(const IxoMepExprNode& node) noexcept;
 
+// May evaluating this node take steps (limit_watch.h)? A tree that is not small counts as if.
+bool MayTakeSteps(const IxoMepExprNode& node) noexcept;
+
 // Reads an operand without copying where it is stored somewhere already (a constant, a variable,
 // an element or property of one): on success value points at the stored value (borrowed until
 // anything else is evaluated that is not inert or quiet) or at storage.

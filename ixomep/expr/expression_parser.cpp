@@ -91,7 +91,7 @@ IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepVa
     const ixomep::PooledScope own(scope);
     return ixomep::EvaluateToSlot(*tree_, this, own.get(), result, errorText, strict);
   });
-  if (code != IMEPERR_NONE) ixomep::FailSlot(result);
+  if (code != IMEPERR_NONE) ixomep::FailResult(result, scope);
   return code;
 }
 
@@ -100,7 +100,9 @@ IxoMepErrorEnum IxoMepExpressionParser::EvaluateFunctionCall(const IxoMepExprNod
                                                              const String& name,
                                                              IxoMepValue*& result,
                                                              String& errorText, bool strict) const {
+  const ixomep::OuterEntry entry;
   const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
+    if (!entry.IsAllowed()) return ixomep::RaiseLimit(errorText);
     if (!(name == kLineNumber) && HoldsLambda(scope, name)) {
       return ixomep::Raise(errorText, IMEPERR_UNKNOWN_FUNCTION, {{"%s", name}});
     }

@@ -31,6 +31,8 @@ class ObjectHold {
 IxoMepErrorEnum RunBody(const IxoMepExprNode& lambda, IxoMepValueSet& scope, IxoMepValue& result,
                         bool& has_result, String& text) {
   if (lambda.Right() == nullptr) return Raise(text, IMEPERR_NOT_CALLABLE);
+  const CallLevel level;
+  if (!level.IsAllowed()) return RaiseLimit(text);
   Frame frame{CallingParser::Current(), &scope, text, false};
   const IxoMepErrorEnum code = EvaluateBody(lambda, frame, result);
   has_result = !frame.no_result;
@@ -87,10 +89,12 @@ IxoMepErrorEnum ApplyPredicate(IxoMepExprNode* lambda, const IxoMepValue& first,
 // Meant: 42 leaves errorText alone; the caller knows the type and the name to show.
 long IxoMepObject::EvaluateObjectMethodCall(const char* name, const IxoMepValueList& args,
                                             IxoMepValue*& result, String& errorText) {
+  const ixomep::OuterEntry entry;
   const ixomep::ObjectHold hold(*this);
   IxoMepNativeMethod native;
   const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
     const String key(name);
+    if (!entry.IsAllowed()) return ixomep::RaiseLimit(errorText);
     if (const IxoMepValue* const property = FindProperty(key)) {
       IxoMepExprNode* const method = property->GetType() == IxoMepValueType::Lambda
                                          ? ixomep::ValueAccess::Lambda(*property)
@@ -101,7 +105,8 @@ long IxoMepObject::EvaluateObjectMethodCall(const char* name, const IxoMepValueL
     const auto found = native_methods_.find(key);
     if (found == native_methods_.end()) return IMEPERR_UNKNOWN_MEMBER;
     native = found->second;  // a copy: it may replace itself while it runs
-    return native != nullptr ? IMEPERR_NONE : IMEPERR_UNKNOWN_MEMBER;
+    if (native == nullptr) return IMEPERR_UNKNOWN_MEMBER;
+    return ixomep::LimitWatch::Step() ? IMEPERR_NONE : ixomep::RaiseLimit(errorText);
   });
   if (code == IMEPERR_NONE && native != nullptr) return native(this, args, result, errorText);
   if (code != IMEPERR_NONE) ixomep::FailSlot(result);

@@ -38,15 +38,11 @@ NodePtr ScanAndBuild(const String& text, IxoMepErrorEnum& code, String& error_te
   return tree;
 }
 
-// An allocation failed; the text is left as it is when not even that can be had.
-void RaiseOutOfMemory(const String& text, IxoMepErrorEnum& code, String& error_text) noexcept {
-  code = IMEPERR_TOO_DEEP;
+// An allocation failed.
+void RaiseOutOfMemory(const String& text, const std::exception& cause, IxoMepErrorEnum& code,
+                      String& error_text) noexcept {
   ErrorPlace::Set(text.Len());
-  try {
-    Raise(error_text, IMEPERR_TOO_DEEP);
-  } catch (const std::exception&) {
-    error_text.Clear();
-  }
+  code = RaiseNoMemory(error_text, IMEPERR_TOO_DEEP, cause);
 }
 
 }  // namespace
@@ -54,8 +50,8 @@ void RaiseOutOfMemory(const String& text, IxoMepErrorEnum& code, String& error_t
 NodePtr ParseExpression(const String& text, IxoMepErrorEnum& code, String& error_text) noexcept {
   try {
     return ScanAndBuild(text, code, error_text);
-  } catch (const std::exception&) {
-    RaiseOutOfMemory(text, code, error_text);
+  } catch (const std::exception& cause) {
+    RaiseOutOfMemory(text, cause, code, error_text);
     return {};
   }
 }

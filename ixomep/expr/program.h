@@ -168,8 +168,8 @@ class Run {
 
   IxoMepValueSet* lookup_;      // the innermost scope that is there
   IxoMepValueSet* assignable_;  // the level's own, where names may be assigned to
-  std::uint64_t waiting_ = 0;  // names of arguments without a scope, here and above
-  Run* caller_ = nullptr;      // of a level that has no scope yet
+  std::uint64_t waiting_ = 0;   // names of arguments without a scope, here and above
+  Run* caller_ = nullptr;       // of a level that has no scope yet
   const Program* lambda_ = nullptr;
   IxoMepValue* arguments_ = nullptr;  // null when the level's variables are in frame_.scope
   std::int32_t entry_depth_;
@@ -268,8 +268,9 @@ bool UsePrograms(bool use) noexcept;
 // Called when a node that ProgramFor has seen is destroyed.
 void ForgetProgram(const IxoMepExprNode& node) noexcept;
 
-// Evaluates the tree by its program when it has one, else plainly; contract as
-// IxoMepExprNode::Evaluate. The tree is held meanwhile: a hook may give its owner another one.
+// An evaluation of an expression object, within the limits of the host: evaluates the tree by its
+// program when it has one, else plainly; contract as IxoMepExprNode::Evaluate. The tree is held
+// meanwhile: a hook may give its owner another one.
 IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
                                IxoMepValueSet* scope, IxoMepValue*& result, String& text,
                                bool strict);

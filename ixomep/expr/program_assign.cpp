@@ -31,7 +31,9 @@ constexpr Reg kUnwantedNumber{kTagInteger, 0};
       result = kNothing;
       return true;
     }
-  } catch (const std::bad_alloc&) {
+  } catch (const std::bad_alloc& cause) {
+    result = run.Fail(RaiseNoMemory(run.Text(), IMEPERR_TOO_LONG, cause));
+    return true;
   }
   result = run.Fail(Raise(run.Text(), IMEPERR_TOO_LONG));
   return true;
@@ -121,8 +123,8 @@ Reg RunAppendOnly(const Op& op, Run& run) {
   ReplaceReference(value);
   try {
     ValueAccess::AppendOwned(*variable, MakeValue(std::move(value)));
-  } catch (const std::bad_alloc&) {
-    return run.Fail(Raise(run.Text(), IMEPERR_TOO_LONG));
+  } catch (const std::bad_alloc& cause) {
+    return run.Fail(RaiseNoMemory(run.Text(), IMEPERR_TOO_LONG, cause));
   }
   return kNothing;
 }

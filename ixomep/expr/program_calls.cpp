@@ -29,6 +29,8 @@ Reg FailTypes(Run& run, const char* shown, const IxoMepValue& a, const IxoMepVal
   return run.Fail(IMEPERR_WRONG_TYPE);
 }
 
+[[gnu::noinline]] Reg FailLimit(Run& run) noexcept { return run.Fail(RaiseLimit(run.Text())); }
+
 enum class Truth : std::uint8_t { No, Yes, Failed };
 
 Truth Decide(const Op& condition, Run& run, const char* function) {
@@ -69,6 +71,8 @@ Reg CallByProgram(const CallOp& call, const IxoMepExprNode& lambda, const Progra
     RestoreDepth(call.depth.Inside(), run);
     entry_depth = IxoMepExprNode::m_nCallDepth;
   }
+  const CallLevel counted;
+  if (!counted.IsAllowed()) return FailLimit(run);
   Frame frame{run.Parser(), nullptr, run.Text(), run.IsStrict()};
   Run level(run, frame, program, arguments.data(), entry_depth);
   const Reg result = (*program.root)(level);
@@ -86,9 +90,9 @@ Reg CallLambdaNode(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
     RestoreDepth(call.depth.Inside(), run);
     if (IxoMepExprNode::m_nCallDepth + program->spine > kLongestSpine) return RunPlainly(call, run);
   }
-  static constexpr decltype(&CallByProgram<0>) kCallers[] = {
-      &CallByProgram<0>, &CallByProgram<1>, &CallByProgram<2>, &CallByProgram<3>,
-      &CallByProgram<4>};
+  static constexpr decltype(&CallByProgram<0>) kCallers[] = {&CallByProgram<0>, &CallByProgram<1>,
+                                                             &CallByProgram<2>, &CallByProgram<3>,
+                                                             &CallByProgram<4>};
   static_assert(std::size(kCallers) == Run::kMaxArguments + 1);
   return kCallers[call.arguments.size()](call, lambda, *program, run);
 }
@@ -96,6 +100,7 @@ Reg CallLambdaNode(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
 Reg CallHost(const CallOp& call, Run& run) {
   Frame& frame = run.RealFrame();
   const String text_before = frame.text;
+  if (!LimitWatch::Step()) return FailLimit(run);
   RestoreDepth(call.depth.Inside(), run);
   IxoMepValue* slot = nullptr;
   IxoMepErrorEnum code = frame.parser->EvaluateFunctionCall(call.node, frame.scope, call.name, slot,
@@ -105,8 +110,8 @@ Reg CallHost(const CallOp& call, Run& run) {
     return result != nullptr ? RegOf(std::move(*result)) : Reg{kTagUnset, 0};
   }
   if (code != IMEPERR_UNKNOWN_FUNCTION) return run.Fail(code);
+  LimitWatch::GiveBack(1);  // no function of the host
   IxoMepValue out;
-  RestoreDepth(call.depth.Inside(), run);
   code = CallVariable(*call.node, text_before, frame, out);
   if (code != IMEPERR_NONE) return run.Fail(code);
   return frame.no_result ? Reg{kTagUnset, 0} : RegOf(std::move(out));
@@ -169,9 +174,12 @@ void Run::MakeScope() {
     Run* level = this;
     while (level->caller_->arguments_ != nullptr) level = level->caller_;
     PooledScope scope(level->caller_->frame_.scope);
+    // All places first, which may fail; then the arguments, which cannot.
     for (std::int32_t i = 0; i < level->lambda_->parameter_count; ++i) {
-      scope->NewMoveValue(level->lambda_->parameters[i].name,
-                          MakeValue(std::move(level->arguments_[i])).release(), true);
+      scope->NewMoveValue(level->lambda_->parameters[i].name, MakeValue().release(), true);
+    }
+    for (std::int32_t i = 0; i < level->lambda_->parameter_count; ++i) {
+      *scope->FindHere(level->lambda_->parameters[i].name) = std::move(level->arguments_[i]);
     }
     level->frame_.scope = scope.Release();
     level->owns_scope_ = true;
@@ -207,11 +215,20 @@ Reg RunCond(const Op& op, Run& run) {
 
 Reg RunWhile(const Op& op, Run& run) {
   const auto& loop = As<WhileOp>(op);
+  std::int64_t steps = 0;  // taken and not used
   while (true) {
     const Truth truth = Decide(*loop.condition, run, "while");
-    if (truth == Truth::Failed) return kFailure;
-    if (truth == Truth::No) break;
-    if (!RunUnwanted(*loop.body, run)) return kFailure;
+    if (truth != Truth::Yes) {
+      LimitWatch::GiveBack(steps);
+      if (truth == Truth::No) break;
+      return kFailure;
+    }
+    if (steps == 0 && (steps = LimitWatch::StepAhead(loop.steps_ahead)) == 0) return FailLimit(run);
+    --steps;
+    if (!RunUnwanted(*loop.body, run)) {
+      LimitWatch::GiveBack(steps);
+      return kFailure;
+    }
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
 }
@@ -234,14 +251,21 @@ Reg RunFor(const Op& op, Run& run) {
   const std::int64_t last = IntegerOf(to);
   IxoMepValue* variable = nullptr;
   std::uint64_t changes = 0;
-  for (std::int64_t i = IntegerOf(from); i <= last; ++i) {
-    if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
-      variable = &FindOrCreate(*scope, loop.variable);
-      changes = IxoMepValueSet::Changes();
+  for (std::int64_t i = IntegerOf(from); i <= last;) {
+    const std::int64_t steps = LimitWatch::StepAhead(std::min(loop.steps_ahead, last - i + 1));
+    if (steps == 0) return FailLimit(run);
+    for (const std::int64_t end = i + steps; i < end; ++i) {
+      if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
+        variable = &FindOrCreate(*scope, loop.variable);
+        changes = IxoMepValueSet::Changes();
+      }
+      const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
+      StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
+      if (!RunUnwanted(*loop.body, run)) {
+        LimitWatch::GiveBack(end - i - 1);
+        return kFailure;
+      }
     }
-    const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
-    StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
-    if (!RunUnwanted(*loop.body, run)) return kFailure;
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
 }

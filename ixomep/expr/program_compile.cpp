@@ -1,6 +1,7 @@
 // Tree -> side program. For each node the operation that fits its operands; what has none is
 // evaluated the plain way (RunPlainly).
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "ixomep/expr/builtin_table.h"
@@ -246,8 +247,8 @@ class Compiler {
     op.variable = NameRef(target->GetNameAddress());
     op.value = Value(*source, depth.Inside());
     op.quiet = IsQuiet(*source);
-    const bool is_sum =
-        source->GetType() == Kind::Plus && source->Left() != nullptr && op.value->fn != &RunPlainly;
+    const bool is_sum = source->GetType() == Kind::Plus && source->Left() != nullptr &&
+                        op.value->fn != &RunPlainly && op.value->fn != &RunTextSum;
     if (is_sum) {
       const auto* const sum = static_cast<const BinaryOp*>(op.value);
       if (sum->left.shape != Shape::General && sum->left.name.name == op.variable.name &&
@@ -309,8 +310,14 @@ class Compiler {
     auto& op = New<WhileOp>(node, depth, &RunWhile);
     op.condition = Value(*node.GetParam1(), depth.Inside());
     op.body = Effect(*node.GetParam2(), SpineDepth::AfterAnEnd());
+    if (!MayTakeSteps(*node.GetParam1())) op.steps_ahead = StepsAhead(*node.GetParam2());
     if (node.GetParam3() != nullptr) op.last = Value(*node.GetParam3(), SpineDepth::AfterAnEnd());
     return &op;
+  }
+
+  // How many passes with this body may take their steps at once.
+  static std::int64_t StepsAhead(const IxoMepExprNode& body) noexcept {
+    return MayTakeSteps(body) ? 1 : std::numeric_limits<std::int64_t>::max();
   }
 
   const Op* MakeFor(const IxoMepExprNode& node, SpineDepth depth) {
@@ -319,6 +326,7 @@ class Compiler {
     op.from = Value(*node.GetParam2(), depth.Inside());
     op.to = Value(*node.GetParam3(), SpineDepth::AfterAnEnd());
     op.body = Effect(*node.GetParam4(), SpineDepth::AfterAnEnd());
+    op.steps_ahead = StepsAhead(*node.GetParam4());
     if (node.GetParam(5) != nullptr) op.last = Value(*node.GetParam(5), SpineDepth::AfterAnEnd());
     return &op;
   }

@@ -43,7 +43,8 @@ Reg ApplyOwned(Kind kind, IxoMepValue&& left, const IxoMepValue& right, Run& run
       text += more;
       return RegOf(std::move(left));
     }
-  } catch (const std::bad_alloc&) {
+  } catch (const std::bad_alloc& cause) {
+    return run.Fail(RaiseNoMemory(run.Text(), IMEPERR_TOO_LONG, cause));
   }
   return run.Fail(Raise(run.Text(), IMEPERR_TOO_LONG));
 }
@@ -89,7 +90,8 @@ Reg RunBinary(const Op& op, Run& run) {
       if (!IsScalar(left.tag)) return FinishBinary<kKind>(binary, run, left);
       const Reg right = (*binary.right.op)(run);
       const Reg result = Compute<kKind>(left, right);
-      if (result.tag != kNotMine.tag) [[likely]] return result;
+      if (result.tag != kNotMine.tag) [[likely]]
+        return result;
       return right.tag == kTagFailed ? right : Combine(binary, left, right, run);
     } else {
       const Reg result = Compute<kKind>(left, NumberAtOnce<kRight>(binary.right, run));
@@ -185,6 +187,62 @@ Reg RunPrefix(const Op& op, Run& run) {
   return operand != nullptr ? ApplyPrefix(op, *operand, run) : Reg{kTagFailed, 0};
 }
 
+// --- Elements ------------------------------------------------------------------------------------
+
+const IxoMepValue* BorrowElement(const ElementOp& element, Run& run);
+
+// Is the operand a value that stands somewhere: of a name, a constant, an element of such a one?
+bool IsBorrowed(const Operand& operand) noexcept {
+  return operand.shape == Shape::Variable || operand.shape == Shape::Argument ||
+         operand.op->fn == &RunConstant || operand.op->fn == &RunElement;
+}
+
+// That value; null when it is none, or cannot be had at once.
+const IxoMepValue* Borrow(const Operand& operand, Run& run) {
+  if (operand.shape == Shape::Variable) return run.Find(operand.name);
+  if (operand.shape == Shape::Argument) return FindArgument(operand, run);
+  if (operand.op->fn == &RunConstant) return As<ConstantOp>(*operand.op).value;
+  return operand.op->fn == &RunElement ? BorrowElement(As<ElementOp>(*operand.op), run) : nullptr;
+}
+
+// What the index selects; null for everything that fails. An absent entry is undefined.
+const IxoMepValue* Select(const IxoMepValue& base, const IxoMepValue& index) {
+  if (base.GetType() == Type::Map) {
+    const IxoMepValue* const entry = ValueAccess::FindEntry(base, ValueAccess::Follow(index));
+    return entry != nullptr ? entry : IxoMepValue::GetNull();
+  }
+  const bool is_element = base.GetType() == Type::Array && index.GetType() == Type::Integer &&
+                          ValueAccess::HasElement(base, ValueAccess::Integer(index));
+  return is_element
+             ? &ValueAccess::Element(base, static_cast<std::size_t>(ValueAccess::Integer(index)))
+             : nullptr;
+}
+
+// Null when the element cannot be had this way, and nothing has changed. An index that has to be
+// evaluated comes before the base is looked at, because evaluating it may move arguments; so do
+// those of the bases further in.
+const IxoMepValue* BorrowElement(const ElementOp& element, Run& run) {
+  IxoMepValue made;
+  const Operand& index = element.index;
+  const bool is_made = index.shape == Shape::General && !IsBorrowed(index);
+  if (is_made) {
+    const Reg r = (*index.op)(run);
+    if (r.tag == kTagFailed) return nullptr;
+    made = OwnedValue(r);
+  } else if (index.shape == Shape::Number) {
+    made = OwnedValue(index.number);
+  } else if (index.shape == Shape::General) {
+    const IxoMepValue* const found = Borrow(index, run);
+    if (found == nullptr) return nullptr;
+    made = *found;
+  }
+  const IxoMepValue* const base = Borrow(element.base, run);
+  if (base == nullptr) return nullptr;
+  if (index.shape == Shape::General || index.shape == Shape::Number) return Select(*base, made);
+  const IxoMepValue* const named = Borrow(index, run);
+  return named != nullptr ? Select(*base, *named) : nullptr;
+}
+
 }  // namespace
 
 Reg ReadAbsent(const Op& op, Run& run) {
@@ -203,7 +261,7 @@ const IxoMepValue* ReadOperand(const Operand& operand, Run& run, IxoMepValue& st
       found = FindArgument(operand, run);
       break;
     default:
-      if (operand.op->fn == &RunConstant) found = As<ConstantOp>(*operand.op).value;
+      found = Borrow(operand, run);
       break;
   }
   if (found != nullptr) return found;
@@ -229,60 +287,20 @@ Reg RunArgument(const Op& op, Run& run) {
   return value != nullptr ? CopyOf(*value) : ReadAbsent(op, run);
 }
 
-// A value that stands somewhere, of a name or a constant; null for everything else.
-const IxoMepValue* Peek(const Operand& operand, const Run& run) noexcept {
-  if (operand.shape == Shape::Variable) return run.Find(operand.name);
-  if (operand.shape == Shape::Argument) return FindArgument(operand, run);
-  return operand.op->fn == &RunConstant ? As<ConstantOp>(*operand.op).value : nullptr;
-}
-
-const IxoMepValue* PeekEntry(const IxoMepValue& map, const ElementOp& element, const Run& run) {
-  const IxoMepValue* const key = Peek(element.index, run);
-  if (key == nullptr) return nullptr;
-  const IxoMepValue* const entry = ValueAccess::FindEntry(map, ValueAccess::Follow(*key));
-  return entry != nullptr ? entry : IxoMepValue::GetNull();
-}
-
-// The element that a name or number selects in the container that stands under a name; null for
-// everything else.
-const IxoMepValue* PeekElement(const ElementOp& element, const Run& run) {
-  const IxoMepValue* const base = Peek(element.base, run);
-  if (base == nullptr) return nullptr;
-  if (base->GetType() == Type::Map) return PeekEntry(*base, element, run);
-  const Reg index = element.index.shape == Shape::Variable
-                        ? NumberAtOnce<Shape::Variable>(element.index, run)
-                    : element.index.shape == Shape::Argument
-                        ? NumberAtOnce<Shape::Argument>(element.index, run)
-                        : element.index.number;
-  const bool is_element = base->GetType() == Type::Array && index.tag == kTagInteger &&
-                          ValueAccess::HasElement(*base, IntegerOf(index));
-  return is_element ? &ValueAccess::Element(*base, static_cast<std::size_t>(IntegerOf(index)))
-                    : nullptr;
-}
-
-// Base and index are quiet, so that the index may be read first and the node be evaluated again
-// the plain way for everything but a hit.
+// An element is found from a base that is looked at where it stands, never copied on the way. Base
+// and index are quiet, so that everything but a hit may be evaluated again the plain way.
 Reg RunElement(const Op& op, Run& run) {
   const auto& element = As<ElementOp>(op);
-  if (const IxoMepValue* const value = PeekElement(element, run)) return CopyOf(*value);
+  if (const IxoMepValue* const value = BorrowElement(element, run)) return CopyOf(*value);
+  if (IsBorrowed(element.base)) return RunPlainly(op, run);
+  // A base that is made comes first: evaluated the plain way, it may move arguments into a scope.
+  const Reg made = (*element.base.op)(run);
+  if (made.tag == kTagFailed) return made;
+  const IxoMepValue base = OwnedValue(made);
   IxoMepValue storage;
-  IxoMepValue base_storage;
-  const IxoMepValue* index = ReadOperand(element.index, run, storage);
-  if (index == nullptr) return RunPlainly(op, run);
-  const IxoMepValue* const base = ReadOperand(element.base, run, base_storage);
-  if (base == nullptr) return {kTagFailed, 0};
-  // Evaluated the plain way, the base may have moved the arguments into a scope.
-  if (element.index.shape == Shape::Argument) index = ReadOperand(element.index, run, storage);
-  if (base->GetType() == Type::Array && index->GetType() == Type::Integer) {
-    const std::int32_t position = ValueAccess::Integer(*index);
-    if (position >= 0 && static_cast<std::size_t>(position) < ValueAccess::Count(*base)) {
-      return CopyOf(ValueAccess::Element(*base, static_cast<std::size_t>(position)));
-    }
-  } else if (base->GetType() == Type::Map) {
-    const IxoMepValue* const entry = ValueAccess::FindEntry(*base, ValueAccess::Follow(*index));
-    return entry != nullptr ? CopyOf(*entry) : Reg{kTagUndefined, 0};
-  }
-  return RunPlainly(op, run);
+  const IxoMepValue* const index = ReadOperand(element.index, run, storage);
+  const IxoMepValue* const value = index != nullptr ? Select(base, *index) : nullptr;
+  return value != nullptr ? CopyOf(*value) : RunPlainly(op, run);
 }
 
 Op::Fn BinaryFunction(Kind kind, Shape left, Shape right) noexcept {

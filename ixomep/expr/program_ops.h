@@ -66,14 +66,16 @@ struct CondOp : Op {
 struct WhileOp : Op {
   const Op* condition = nullptr;
   const Op* body = nullptr;
-  const Op* last = nullptr;  // may be null
+  const Op* last = nullptr;      // may be null
+  std::int64_t steps_ahead = 1;  // passes whose steps may be taken beforehand
 };
 struct ForOp : Op {
   NameRef variable;
   const Op* from = nullptr;
   const Op* to = nullptr;
   const Op* body = nullptr;
-  const Op* last = nullptr;  // may be null
+  const Op* last = nullptr;      // may be null
+  std::int64_t steps_ahead = 1;  // passes whose steps may be taken beforehand
 };
 struct SequenceOp : Op {
   const Op* first = nullptr;

@@ -141,13 +141,21 @@ void ForgetProgram(const IxoMepExprNode& node) noexcept {
 IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
                                IxoMepValueSet* scope, IxoMepValue*& result, String& text,
                                bool strict) {
+  const EvaluationLevel level;
   const IxoMepErrorEnum code = Guarded(text, [&] {
+    if (!level.IsAllowed()) [[unlikely]]
+      return RaiseLimit(text);
     const NodePtr held = NodePtr::Share(&root);
     const Program* const program = IsInert(*held) ? nullptr : ProgramWithRoom(*held);
     if (program == nullptr) return held->Evaluate(parser, scope, result, text, strict);
     Frame frame{parser, scope, text, strict};
     IxoMepErrorEnum failure = IMEPERR_NONE;
-    StoreInSlot(RunProgram(*program, frame, failure), result);
+    const Reg made = RunProgram(*program, frame, failure);
+    if (LimitWatch::Exceeded() != Limit::None) [[unlikely]] {
+      Drop(made);
+      return WithinLimits(failure, text);
+    }
+    StoreInSlot(made, result);
     return failure;
   });
   if (code != IMEPERR_NONE) FailResult(result, scope);

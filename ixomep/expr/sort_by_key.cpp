@@ -9,6 +9,7 @@
 #include "ixomep/expr/binary_operators.h"
 #include "ixomep/expr/call_depth.h"
 #include "ixomep/expr/evaluator.h"
+#include "ixomep/expr/scalar.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/engine_hooks.h"
 
@@ -19,6 +20,12 @@ namespace {
 using Kind = IxoMepExprNodeType;
 using Type = IxoMepValueType;
 
+// Numbers that only compare equal are not the same.
+bool AreSame(const IxoMepValue* a, const IxoMepValue* b) {
+  if (a == nullptr || b == nullptr || a->GetType() != b->GetType()) return false;
+  return IsScalar(*a) ? ValueAccess::Bits(*a) == ValueAccess::Bits(*b) : *a == *b;
+}
+
 // Are the trees the same, the one name standing for the other? Quiet trees, which are small.
 bool AreAlike(const IxoMepExprNode* a, const char* name_of_a, const IxoMepExprNode* b,
               const char* name_of_b) {
@@ -26,13 +33,14 @@ bool AreAlike(const IxoMepExprNode* a, const char* name_of_a, const IxoMepExprNo
     if (a->GetType() != b->GetType()) return false;
     if (a->GetType() == Kind::Variable) {
       const char* const name = a->GetNameAddress();
-      // A member's name stands for itself; any other but the parameter's is none of this.
       return name == name_of_a ? b->GetNameAddress() == name_of_b
                                : name != name_of_b && name == b->GetNameAddress();
     }
-    if (a->GetType() == Kind::Constant) {
-      return a->GetValue() != nullptr && b->GetValue() != nullptr &&
-             *a->GetValue() == *b->GetValue();
+    if (a->GetType() == Kind::Constant) return AreSame(a->GetValue(), b->GetValue());
+    if (a->GetType() == Kind::ObjectSubscription) {
+      // Behind the point stands a member's name, which is no variable.
+      return MemberName(*a) == MemberName(*b) &&
+             AreAlike(a->Left(), name_of_a, b->Left(), name_of_b);
     }
     if (!AreAlike(a->Left(), name_of_a, b->Left(), name_of_b)) return false;
   }
@@ -55,6 +63,7 @@ bool FindKey(const IxoMepExprNode& lambda, SortKey& key) {
   if (body->Left() == nullptr || !IsQuiet(*body)) return false;
   const char* const a = first->GetNameAddress();
   const char* const b = second->GetNameAddress();
+  if (a == b) return false;  // the second argument takes the place of the first
   if (AreAlike(body->Left(), a, body->Right(), b)) {
     key = {body->Left(), a, body->GetType()};
     return true;
@@ -77,12 +86,17 @@ bool EvaluateKeys(const SortKey& key, const IxoMepValueList& items,
   IxoMepValue& argument = *scope->NewGetLValue(key.parameter);
   String text;
   Frame frame{nullptr, scope.get(), text, false};
-  keyed.reserve(items.size());
+  // Copying an element may call the host, who may change the array.
+  const IxoMepValueList before = items;
+  keyed.reserve(before.size());
   bool are_numbers = true;
   bool are_texts = true;
-  for (IxoMepValue* const element : items) {
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    IxoMepValue* const element = before[i];
+    if (i >= items.size() || items[i] != element) return false;
     argument = element != nullptr ? *element : *IxoMepValue::GetNull();
     IxoMepValue value;
+    if (!LimitWatch::Step()) return false;
     if (EvaluateOperand(*key.expression, frame, value) != IMEPERR_NONE) return false;
     are_numbers =
         are_numbers && (value.GetType() == Type::Integer || value.GetType() == Type::Real);
@@ -90,7 +104,7 @@ bool EvaluateKeys(const SortKey& key, const IxoMepValueList& items,
     if (!are_numbers && !are_texts) return false;
     keyed.push_back({std::move(value), element});
   }
-  return true;
+  return items == before;
 }
 
 }  // namespace
@@ -105,6 +119,7 @@ bool SortByKey(const IxoMepExprNode& lambda, IxoMepValueList& items) {
     if (!EvaluateKeys(key, items, keyed)) return false;
     String text;
     std::stable_sort(keyed.begin(), keyed.end(), [&](const KeyedElement& a, const KeyedElement& b) {
+      LimitWatch::Work();
       IxoMepValue truth;
       ApplyBinaryTo(key.comparison, a.key, b.key, truth, text);
       return truth.GetInt() > 0;
@@ -112,6 +127,8 @@ bool SortByKey(const IxoMepExprNode& lambda, IxoMepValueList& items) {
     std::transform(keyed.begin(), keyed.end(), items.begin(),
                    [](const KeyedElement& k) { return k.element; });
     return true;
+  } catch (const LimitExceeded&) {
+    throw;
   } catch (const std::exception&) {  // no memory: the exchanges need none
     return false;
   }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "ixomep/host/color.h"
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/host/windowing.h"
 
 namespace {
@@ -20,7 +21,7 @@ IxoHost* Fallback(const IxoHost* self) noexcept {
 }  // namespace
 
 IxoHost::~IxoHost() {
-  if (installed_host == this) installed_host = nullptr;
+  if (installed_host == this) Install(nullptr);
 }
 
 IxoHost& IxoHost::Current() noexcept {
@@ -30,6 +31,7 @@ IxoHost& IxoHost::Current() noexcept {
 IxoHost* IxoHost::Install(IxoHost* host) noexcept {
   IxoHost* previous = installed_host;
   installed_host = host;
+  ixomep::LimitWatch::SetHasHost(host != nullptr);
   return previous;
 }
 
@@ -177,4 +179,12 @@ const void* IxoHost::StackLimit() {
 void IxoHost::PrepareMemory(void* memory, std::size_t bytes) noexcept {
   IxoHost* host = Fallback(this);
   if (host != nullptr) host->PrepareMemory(memory, bytes);
+}
+
+// Interruption ----------------------------------------------------------------------------------
+
+bool IxoHost::IsInterruptRequested() noexcept {
+  // Asked often: without a further question to Fallback.
+  IxoHost* const host = ixomep::DefaultHost();
+  return host != this && host->IsInterruptRequested();
 }

@@ -10,6 +10,7 @@
 
 #include "ixomep/export.h"
 #include "ixomep/host/international.h"
+#include "ixomep/host/limits.h"
 #include "ixomep/host/string.h"
 
 class Color;
@@ -28,6 +29,11 @@ class IXOMEP_API IxoHost {
   // Installs a host (not owned; null goes back to the default) and returns the one installed
   // before, null for the default.
   static IxoHost* Install(IxoHost* host) noexcept;
+
+  // What evaluations may use up from now on, whichever host is installed; at the start nothing is
+  // limited. During an evaluation a new number of steps counts from the next outermost one.
+  static void SetLimits(const IxoLimits& limits) noexcept;
+  static IxoLimits GetLimits() noexcept;
 
   // Texts -------------------------------------------------------------------------------------
 
@@ -97,6 +103,13 @@ class IXOMEP_API IxoHost {
   // A stretch of new memory, of a size and at an address that are a multiple of 2 MB, will be used
   // from end to end: the machine may back it by large pages. Default: asks it to.
   virtual void PrepareMemory(void* memory, std::size_t bytes) noexcept;
+
+  // Interruption ------------------------------------------------------------------------------
+
+  // Is what is being evaluated to be ended? It ends with code 38 then. Asked again and again: of an
+  // installed host when an outermost evaluation begins, at the latest after 4096 steps (IxoLimits),
+  // and now and then during long work of a built-in function. Default: no.
+  virtual bool IsInterruptRequested() noexcept;
 };
 
 namespace ixomep {

@@ -4,11 +4,13 @@
 #include <new>
 
 #include "ixomep/host/host.h"
+#include "ixomep/host/limit_watch.h"
 
 namespace ixomep {
 
 constinit std::size_t MemoryBudget::in_use_ = 0;
 constinit std::size_t MemoryBudget::limit_ = MemoryBudget::kNotAsked;
+constinit bool MemoryBudget::is_host_limit_ = false;
 
 std::size_t MemoryBudget::Limit() noexcept {
   if (limit_ == kNotAsked) {
@@ -20,13 +22,24 @@ std::size_t MemoryBudget::Limit() noexcept {
   return limit_;
 }
 
-void MemoryBudget::SetLimit(std::size_t bytes) noexcept { limit_ = bytes == kNotAsked ? 1 : bytes; }
+void MemoryBudget::SetLimit(std::size_t bytes) noexcept {
+  limit_ = bytes == kNotAsked ? 1 : bytes;
+  is_host_limit_ = false;
+}
+
+void MemoryBudget::SetHostLimit(std::size_t bytes) noexcept {
+  if (bytes != 0 || is_host_limit_) limit_ = bytes != 0 ? bytes : kNotAsked;
+  is_host_limit_ = bytes != 0;
+}
 
 bool MemoryBudget::AskedAndFits(std::size_t bytes) noexcept {
   Limit();
   return Fits(bytes);
 }
 
-void MemoryBudget::ThrowBadAlloc() { throw std::bad_alloc(); }
+void MemoryBudget::Refuse() {
+  if (is_host_limit_) throw LimitExceeded(Limit::Memory);
+  throw std::bad_alloc();
+}
 
 }  // namespace ixomep

@@ -5,9 +5,11 @@
 #include "ixomep/values/array_sort.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 #include <vector>
 
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/values/engine_hooks.h"
 #include "ixomep/values/value_compare.h"
 #include "ixomep/values/value_rep.h"
@@ -89,11 +91,22 @@ Keyed KeyOf(IxoMepValue* value) {
 
 using Run = std::vector<Keyed>::iterator;
 
+// What sorts so few numbers is no long work.
+constexpr std::ptrdiff_t kFewNumbers = 10000;
+
+template <class Less>
+void SortStably(Run begin, Run end, const Less& less) {
+  if (end - begin < kFewNumbers) return std::stable_sort(begin, end, less);
+  std::stable_sort(begin, end, [&less](const Keyed& a, const Keyed& b) {
+    LimitWatch::Work();
+    return less(a, b);
+  });
+}
+
 void SortNumbers(Run begin, Run end) {
   while (begin != end) {
     const Run nan = std::find_if(begin, end, [](const Keyed& k) { return k.number != k.number; });
-    std::stable_sort(begin, nan,
-                     [](const Keyed& a, const Keyed& b) { return a.number < b.number; });
+    SortStably(begin, nan, [](const Keyed& a, const Keyed& b) { return a.number < b.number; });
     begin = nan == end ? end : nan + 1;
   }
 }
@@ -108,12 +121,16 @@ void SortOneType(Run begin, Run end) {
       break;
     case Type::String:
       std::stable_sort(begin, end, [](const Keyed& a, const Keyed& b) {
+        LimitWatch::Work();
         return ValueAccess::Text(*a.value) < ValueAccess::Text(*b.value);
       });
       break;
     default:
       // Types without an order stay as they are; each comparison reports that.
-      for (; begin + 1 != end; ++begin) IsLess(OrNull((begin + 1)->value), OrNull(begin->value));
+      for (; begin + 1 != end; ++begin) {
+        LimitWatch::Work();
+        IsLess(OrNull((begin + 1)->value), OrNull(begin->value));
+      }
   }
 }
 
@@ -121,8 +138,8 @@ void SortByRankAndType(IxoMepValueList& items) {
   std::vector<Keyed> keyed;
   keyed.reserve(items.size());
   for (IxoMepValue* value : items) keyed.push_back(KeyOf(value));
-  std::stable_sort(keyed.begin(), keyed.end(),
-                   [](const Keyed& a, const Keyed& b) { return a.rank < b.rank; });
+  SortStably(keyed.begin(), keyed.end(),
+             [](const Keyed& a, const Keyed& b) { return a.rank < b.rank; });
   for (Run begin = keyed.begin(); begin != keyed.end();) {
     const std::int32_t rank = begin->rank;
     const Run end =
@@ -155,6 +172,7 @@ IxoMepErrorEnum SortArray(IxoMepValue& array, IxoMepExprNode* lambda, String& er
   if (HasReference(items)) {
     return ExchangeNeighbours(items,
                               [](const IxoMepValue& first, const IxoMepValue& second, bool& truth) {
+                                LimitWatch::Work();
                                 truth = IsLess(first, second);
                                 return IMEPERR_NONE;
                               });

@@ -68,7 +68,9 @@ std::string_view TextOf(const TextIndex::Entry& entry) noexcept {
 const TextIndex::Entry* TextIndex::Find(std::string_view key) const noexcept {
   const std::uint64_t hash = HashOf(key);
   const std::size_t mask = slots_.size() - 1;
-  for (std::size_t i = hash & mask; slots_[i].entry != nullptr; i = (i + 1) & mask) {
+  std::size_t i = hash & mask;
+  for (std::size_t chain = 0; chain < kLongestChain && slots_[i].entry != nullptr;
+       ++chain, i = (i + 1) & mask) {
     if (slots_[i].hash == hash && AreSame(TextOf(*slots_[i].entry), key)) return slots_[i].entry;
   }
   return nullptr;
@@ -117,7 +119,7 @@ void TextIndex::Drop() noexcept {
   is_unfit_ = false;
   if (slots_.empty()) return;
   MemoryBudget::Give(slots_.size() * sizeof(Slot));
-  slots_ = {};
+  std::vector<Slot>().swap(slots_);
 }
 
 }  // namespace ixomep

@@ -237,6 +237,8 @@ long IxoMepValue::GetPropertyValue(const char* name, IxoMepValue*& result,
 long IxoMepValue::EvaluateMethodCall(const char* name, const IxoMepValueList& args,
                                      IxoMepValue*& result, String& errorText, bool) {
   if (type_ == Type::Undefined) return IMEPERR_NONE;  // Meant: success without a result.
+  const ixomep::OuterEntry entry;
+  if (!entry.IsAllowed()) return ixomep::RaiseLimit(errorText);
   return ixomep::CatchTooLong(errorText, [&]() -> long {
     if (type_ != Type::Object) return ixomep::CallMethod(*this, name, args, result, errorText);
     return ixomep::CallObjectMethod(payload_.object, name, args, result, errorText);

@@ -303,6 +303,17 @@ TEST(Program, Does_what_the_walk_does) {
       "h := lambda(q, g(0)), g := lambda(p, p + q), h(7) + h(8)",
       "h := lambda(q, n, g(q)), g := lambda(p, q + n + k(1)), k := lambda(x, x + q), h(7, 1)",
       "h := lambda(q, g(0)), g := lambda(p, (q := q + 1, q)), h(7) + h(8)",
+      // An index that waits among a caller's arguments while the base moves them.
+      "z := {{1: \"one\", 2: \"two\"}}, h := lambda(k, g(z)), g := lambda(q, (q SUB 0)[k]), h(1), "
+      "h(2)",
+      "h := lambda(k, g(m)), g := lambda(q, (1, q)[k]), h(2), h(\"k\")",
+      // Elements of elements.
+      "z := {{1, 2}, {3, {4, 5}}}, z[1][0] + z[i - 1][i - 2] + z[0][r - 0.5] + z[1][1][z[0][0]]",
+      "z := {{1, 2}, {3, 4}}, g := lambda(p, q, z[p][q - 1] + z[p - 1][q]), g(1, 1) + g(1, 1)",
+      "z := {{1, 2}, {3, 4}}, z[0][2]",
+      "z := {{1, 2}, {3, 4}}, z[2][0]",
+      "m[\"te\" + \"xt\"][0] + LEN m[\"text\"] + m[\"absent\"]",
+      "m[\"text\"][i - 3]",
       // Sums of texts.
       "s + \" (\" + STR i + \")\"",
       "s + \"-\" + STR r + \"-\" + STR t + \"-\" + STR u",

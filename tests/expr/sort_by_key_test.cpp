@@ -54,6 +54,32 @@ TEST(SortByKey, Texts_elements_and_entries_may_be_keys) {
   ExpectSameAsExchanges("{map(\"k\", 3), map(\"k\", 1), map(\"k\", 2)}", "x[\"k\"] > y[\"k\"]");
 }
 
+TEST(SortByKey, Parameters_of_one_name_are_one_parameter) {
+  EXPECT_EQ(Shown("v := {3, 1, 2}, v.sort(lambda(a, a, a < a)), v"), "array {3, 1, 2}");
+}
+
+TEST(SortByKey, Members_named_like_parameters_are_members) {
+  IxoMepValueSet scope;
+  const auto object = [](int a, int b) {
+    IxoMepValue value(IxoMepValueType::Object);
+    value.MoveValue("a", new IxoMepValue(a));
+    value.MoveValue("b", new IxoMepValue(b));
+    return value;
+  };
+  scope.OldSetValue("v0", object(1, 9), true);
+  scope.OldSetValue("v1", object(2, 0), true);
+  scope.OldSetValue("v2", object(3, 5), true);
+  const auto order = [&](const std::string& predicate) {
+    return Shown("v := {v0, v1, v2}, v.sort(lambda(a, b, " + predicate +
+                     ")), v[0].a * 100 + v[1].a * 10 + v[2].a",
+                 &scope);
+  };
+  for (const char* const predicate : {"a.a < b.b", "a.a < b.a", "a.b < b.b", "a.a > b.a"}) {
+    EXPECT_EQ(order(predicate), order("(" + std::string(predicate) + ") * 1")) << predicate;
+  }
+  EXPECT_EQ(order("a.b < b.b"), "integer 231");
+}
+
 TEST(SortByKey, Equal_keys_keep_their_order) {
   EXPECT_EQ(Shown("v := {{1, \"a\"}, {0, \"b\"}, {1, \"c\"}, {0, \"d\"}}, "
                   "v.sort(lambda(x, y, x[0] < y[0])), v"),

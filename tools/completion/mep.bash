@@ -15,7 +15,7 @@ _mep() {
     -e | --encoding)
       mapfile -t COMPREPLY < <(compgen -W "utf-8 windows-1252 latin-1 oem" -- "$word")
       return ;;
-    -v | --var | --root)
+    -v | --var | --root | --max-steps | --max-memory | --timeout)
       return ;;
     --include-root)
       compopt -o filenames 2>/dev/null
@@ -28,7 +28,7 @@ _mep() {
   esac
 
   case $command in
-    "") words="$commands --help --version" ;;
+    "") words="$commands --help --version --max-steps --max-memory --timeout" ;;
     show) words+=" --var --include-root" ;;
     eval) words+=" --var --strict --raw --type" ;;
     check) words+=" --include-root" ;;

@@ -16,6 +16,9 @@ complete -c mep -n "$none" -a unprotect -d 'Decipher a protected definition text
 
 complete -c mep -s h -l help -d 'Print a summary and exit'
 complete -c mep -n "$none" -l version -d 'Print the version and exit'
+complete -c mep -n "$none" -l max-steps -x -d 'End an evaluation after so many steps'
+complete -c mep -n "$none" -l max-memory -x -d 'End it when values need more bytes'
+complete -c mep -n "$none" -l timeout -x -d 'End evaluations after so many seconds'
 complete -c mep -n "$any" -s e -l encoding -x -a 'utf-8 windows-1252 latin-1 oem' -d 'Encoding of what is read and written'
 complete -c mep -n "$texts" -F
 complete -c mep -n '__fish_seen_subcommand_from show query eval' -s v -l var -x -d 'Set a variable: name=EXPR'

@@ -47,7 +47,7 @@ bool IncludeHost::Fail(const std::string& name, const std::string& reason) {
 
 bool IncludeHost::ReadTextFile(const String& name, String& text) {
   if (IsRepositoryName(name)) {
-    return IxoHost::ReadTextFile(name, text) ||
+    return LimitedHost::ReadTextFile(name, text) ||
            Fail(io_.Encode(name.view()), "there is no repository to read it from");
   }
   const std::string given = NameOf(name);

@@ -1,12 +1,12 @@
-// The host of the command: the default host, except that included files are read relative to the
-// folder of the main file, only from below a root folder, and in the encoding the user named.
+// The host of the command for definition texts: included files are read relative to the folder of
+// the main file, only from below a root folder, and in the encoding the user named.
 #pragma once
 
 #include <filesystem>
 #include <map>
 #include <string>
 
-#include "ixomep/host/host.h"
+#include "tools/mep/limits.h"
 
 namespace mep {
 
@@ -14,7 +14,7 @@ class Diagnostics;
 class TextIo;
 
 // Installed as the current host for its lifetime; what was installed before comes back.
-class IncludeHost : public IxoHost {
+class IncludeHost : public LimitedHost {
  public:
   // An empty folder is the current one, an empty root the folder.
   IncludeHost(std::filesystem::path folder, const std::filesystem::path& root, const TextIo& io,

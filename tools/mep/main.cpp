@@ -5,12 +5,15 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <iterator>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ixomep/export.h"
 #include "tools/mep/commands.h"
+#include "tools/mep/limits.h"
 #include "tools/mep/text_io.h"
 
 namespace mep {
@@ -43,16 +46,25 @@ void AddCommonOptions(CLI::App& command, CommonOptions& options) {
 
 namespace {
 
+// Is it an option of eval or of all commands whose value is the next argument?
+bool TakesNext(const std::string& argument) {
+  constexpr std::string_view kOptions[] = {"-v",          "--var",        "-e",       "--encoding",
+                                           "--max-steps", "--max-memory", "--timeout"};
+  return std::find(std::begin(kOptions), std::end(kOptions), argument) != std::end(kOptions);
+}
+
 // An expression may begin with "-" and a digit or bracket, which the argument parser would take
 // for an option: everything behind "eval" that looks so is moved behind "--".
 std::vector<std::string> SeparateExpression(int count, char** arguments) {
   std::vector<std::string> given(arguments + 1, arguments + count);
-  if (given.empty() || given[0] != "eval") return given;
-  for (std::size_t i = 1; i < given.size() && given[i] != "--"; ++i) {
+  std::size_t command = 0;
+  while (command < given.size() && given[command].starts_with('-')) {
+    command += TakesNext(given[command]) ? 2 : 1;
+  }
+  if (command >= given.size() || given[command] != "eval") return given;
+  for (std::size_t i = command + 1; i < given.size() && given[i] != "--"; ++i) {
     const std::string& argument = given[i];
-    const bool takes_next =
-        argument == "-v" || argument == "--var" || argument == "-e" || argument == "--encoding";
-    if (takes_next) {
+    if (TakesNext(argument)) {
       ++i;
     } else if (argument.size() > 1 && argument[0] == '-' &&
                std::strchr("0123456789.$({\" ", argument[1]) != nullptr) {
@@ -70,6 +82,10 @@ int Run(int count, char** arguments) {
   CLI::App app("Reads definition texts and evaluates expressions of the Mep language.", "mep");
   app.set_version_flag("--version", "mep " IXOMEP_VERSION_TEXT);
   app.require_subcommand(1);
+  app.fallthrough();
+  LimitedHost host;
+  IxoHost::Install(&host);
+  AddLimitOptions(app);
   app.footer("Exit status: 0 success, 1 an error in the text, 2 called wrongly.");
   AddShow(app, status);
   AddEval(app, status);

@@ -76,6 +76,7 @@ class DefaultHost final : public IxoHost {
   std::size_t DefaultMemoryLimit() override;
   const void* StackLimit() override;
   void PrepareMemory(void* memory, std::size_t bytes) noexcept override;
+  bool IsInterruptRequested() noexcept override { return false; }
 };
 
 }  // namespace ixomep::portable

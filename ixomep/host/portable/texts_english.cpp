@@ -1,7 +1,7 @@
 // The English texts of the default host: what is wrong and what was expected, for every error
-// code, and the labels of error reports. One table {resource number, text}, in ascending order.
-// A "%" word is filled in by the code that reports the error, at its first occurrence; a text has
-// only the words that every reporter of its code fills.
+// code, the limits of a host, and the labels of error reports. One table {resource number, text},
+// in ascending order. A "%" word is filled in by the code that reports the error, at its first
+// occurrence; a text has only the words that every reporter of its code fills.
 #include "ixomep/host/portable/default_host.h"
 
 #include <algorithm>
@@ -61,6 +61,10 @@ constexpr Resource kTexts[] = {
     {16141, "\"%s\" is no directive; @INCLUDE is the only one."},
     {16142, "A value of the type %type has no property or method \"%property\"."},
     {16143, "The file %filename cannot be read."},
+    {16201, "The limit of %1 steps is exceeded."},
+    {16202, "The limit of %1 bytes of memory is exceeded."},
+    {16203, "The limit of %1 calls inside each other is exceeded."},
+    {16204, "The evaluation is interrupted."},
     {33570582, "Line"},
     {33570583, "in"},
     {33570584, "End the application?"},
@@ -70,7 +74,7 @@ static_assert(std::is_sorted(std::begin(kTexts), std::end(kTexts),
                              [](const Resource& a, const Resource& b) {
                                return a.number < b.number;
                              }));
-static_assert(std::size(kTexts) == 37 + 3);
+static_assert(std::size(kTexts) == 37 + 4 + 3);
 
 }  // namespace
 
