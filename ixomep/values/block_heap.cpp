@@ -56,7 +56,7 @@ void BlockHeap::Release(Region& region) noexcept {
   --regions_;
   slabs_ -= region.slabs;
   const std::size_t bytes = region.slabs * kSlabBytes;
-  ::operator delete(static_cast<void*>(memory), bytes, Alignment(bytes));
+  ::operator delete(static_cast<void*>(memory), Alignment(bytes));
 }
 
 }  // namespace ixomep
