@@ -59,6 +59,14 @@ class Host : public IxoMepExpressionParser {
       if (other.SetExpression("i := 5, p", text) != IMEPERR_NONE) return IMEPERR_WRONG_TYPE;
       return other.Evaluate(scope, result, text, strict, true);
     }
+    if (name == "hpass") {  // not a function of this host, but it has evaluated something
+      IxoMepExpressionParser other;
+      IxoMepValue* value = nullptr;
+      other.SetExpression("1 + 1", text);
+      other.Evaluate(scope, value, text, false, true);
+      const ValuePtr owner(value);
+      return IMEPERR_UNKNOWN_FUNCTION;
+    }
     if (name == "hunset") return IMEPERR_NONE;
     if (name == "hfail") {
       text = "the host says no";
@@ -207,6 +215,17 @@ TEST(Program, Chains_end_at_the_same_depth) {
       if (testing::Test::HasFatalFailure()) return;
     }
   }
+}
+
+TEST(Program, A_hook_that_evaluates_and_passes_leaves_the_depth_as_it_is) {
+  const auto deep = [](const std::string& inner) {
+    std::string text = inner;
+    for (int i = 0; i < 100; ++i) text = "-(" + text + ")";
+    return text;
+  };
+  CheckBothWays<Host>(
+      "hpass := lambda(" + deep("1") + "), f := lambda(" + deep("hpass()") + "), " + deep("f()"),
+      {});
 }
 
 TEST(Program, Lambdas_without_parameters_nest_to_the_same_depth) {

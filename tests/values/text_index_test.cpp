@@ -112,6 +112,17 @@ TEST(TextIndex, Gives_its_memory_back) {
   EXPECT_LT(MemoryBudget::InUse(), before + 50 * 200);
 }
 
+// However the keys were chosen: an absent one is known to be absent after a few steps.
+TEST(TextIndex, Misses_cost_the_same_in_a_crowded_map) {
+  IxoMepValue map(IxoMepValueType::Map);
+  for (int i = 0; i < 30000; ++i) Put(map, std::to_string(i), i);
+  AskOften(map);
+  for (int i = 0; i < 30000; ++i) {
+    ASSERT_EQ(ValueAccess::FindEntry(map, Text("x" + std::to_string(i))), nullptr);
+    ASSERT_EQ(ValueAccess::FindEntry(map, Text(std::to_string(i)))->GetInt(), i);
+  }
+}
+
 TEST(TextIndex, Without_memory_the_order_answers) {
   IxoMepValue map(IxoMepValueType::Map);
   for (int i = 0; i < 50; ++i) Put(map, "key" + std::to_string(i), i);
