@@ -223,9 +223,22 @@ TEST(Program, A_hook_that_evaluates_and_passes_leaves_the_depth_as_it_is) {
     for (int i = 0; i < 100; ++i) text = "-(" + text + ")";
     return text;
   };
-  CheckBothWays<Host>(
-      "hpass := lambda(" + deep("1") + "), f := lambda(" + deep("hpass()") + "), " + deep("f()"),
-      {});
+  Host setup, parser;
+  IxoMepValueSet scope;
+  IxoMepValue* unwanted = nullptr;
+  String text;
+  const std::string lambdas =
+      "f := lambda(" + deep("hpass()") + "), hpass := lambda(" + deep("1") + ")";
+  ASSERT_EQ(setup.SetExpression(String(lambdas), text), IMEPERR_NONE);
+  ASSERT_EQ(setup.Evaluate(&scope, unwanted, text, false, false), IMEPERR_NONE);
+  const ValuePtr owner(unwanted);
+  ASSERT_EQ(parser.SetExpression(String(deep("f()")), text), IMEPERR_NONE);
+  for (int time = 1; time <= 4; ++time) {
+    IxoMepValue* result = nullptr;
+    EXPECT_EQ(parser.Evaluate(&scope, result, text, false, false), IMEPERR_NONE) << time;
+    EXPECT_EQ(ShownValue(result), "integer 1") << time;
+    delete result;
+  }
 }
 
 TEST(Program, Lambdas_without_parameters_nest_to_the_same_depth) {
