@@ -5,7 +5,8 @@ Usage: coverage.py BUILD_DIRECTORY [--lines PERCENT] [--branches PERCENT]
 
 The build is one of the preset "coverage" in which the tests have run. Reads what gcov says of every
 object, the tests' own included, because the linker may have taken an inline function from there.
-What several instances of a template have run counts together.
+What several instances of a template have run counts together; that the preset takes the force out
+of "always_inline" keeps functions from being counted once for each place that they are called from.
 
 A branch is one way out of a condition. Ways that only an exception takes (gcov marks them "throw")
 are left out: nearly every call has one, and what they lead to is tested by letting each allocation
