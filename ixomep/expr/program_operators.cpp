@@ -252,19 +252,7 @@ Reg ReadAbsent(const Op& op, Run& run) {
 Reg CopyOfOwner(const IxoMepValue& value) { return RegOf(IxoMepValue(value)); }
 
 const IxoMepValue* ReadOperand(const Operand& operand, Run& run, IxoMepValue& storage) {
-  const IxoMepValue* found = nullptr;
-  switch (operand.shape) {
-    case Shape::Variable:
-      found = run.Find(operand.name);
-      break;
-    case Shape::Argument:
-      found = FindArgument(operand, run);
-      break;
-    default:
-      found = Borrow(operand, run);
-      break;
-  }
-  if (found != nullptr) return found;
+  if (const IxoMepValue* const found = Borrow(operand, run)) return found;
   const Reg result = (*operand.op)(run);
   if (result.tag == kTagFailed) return nullptr;
   storage = OwnedValue(result);
