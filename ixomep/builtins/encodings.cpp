@@ -81,6 +81,7 @@ IxoMepErrorEnum ToUrlQueryString(Call& call) {
   const String& unescaped = call.Has(1) ? call.Text(1) : UnescapedSets::Get().query_component;
   String query;
   for (const auto& [key, value] : ValueAccess::Entries(call.Arg(0))) {
+    LimitWatch::Work();
     if (!query.IsEmpty()) query += '&';
     AppendEscaped(query, *key, unescaped);
     query += '=';

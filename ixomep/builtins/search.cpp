@@ -65,6 +65,7 @@ IxoMepErrorEnum ReplAll(Call& call) {
   String result;
   std::size_t done = 0;
   for (; at != TextSearch::kNone; at = search.Find(source, done)) {
+    LimitWatch::Work();
     result += source.substr(done, at - done);
     result += new_text;
     done = at + old_text.view().size();

@@ -112,6 +112,7 @@ IxoMepErrorEnum TokIndex(Call& call) {
   TokenWalker walker(call.Text(0), separator);
   std::string_view token;
   for (std::int32_t i = 0; walker.Next(token); ++i) {
+    LimitWatch::Work();
     if (token == wanted.view()) return call.Return(i);
   }
   return call.Return(-1);
