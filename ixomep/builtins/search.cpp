@@ -75,8 +75,3 @@ IxoMepErrorEnum ReplAll(Call& call) {
 }
 
 }  // namespace ixomep::builtins
-
-IXOMEP_HANDLER(_search, Search)
-IXOMEP_HANDLER(_bsearch, BSearch)
-IXOMEP_HANDLER(_replace, Replace)
-IXOMEP_HANDLER(_replall, ReplAll)
