@@ -42,6 +42,7 @@ bool DocumentScanner::Scan() {
   next_semicolon_ = text_;
   MayStartStatement();
   for (;;) {
+    work_.Part();
     at_ = SkipQuick(at_, kQuickWhite);
     bool good = false;
     switch (ItemOf(*at_)) {

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/folded.h"
 #include "ixomep/parser/name_table.h"
@@ -98,6 +99,7 @@ class DocumentScanner {
   std::unique_ptr<NameTable> sources_;
   std::vector<std::uint32_t> made_of_source_;
   std::vector<char> brackets_;
+  LongWork work_;
 
   // Where the last item ended, and whether a statement could start there without a line feed.
   const char* gap_ = nullptr;

@@ -12,6 +12,8 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/values/slot.h"
 #include "tests/support/call_checks.h"
+#include "tests/support/eval.h"
+#include "tests/support/limits.h"
 #include "tests/support/test_host.h"
 #include "tests/support/trees.h"
 
@@ -266,6 +268,19 @@ TEST(Arguments, Keep_the_value_that_they_had_when_a_later_one_changes_the_variab
   EXPECT_EQ(session.Eval("a := {3}, max(a[0], (a[0] := 1))"), "integer 3");
   EXPECT_EQ(session.Eval("s := \"abc\", replace(s, \"b\", (s := \"-\"))"), "string \"a-c\"");
   EXPECT_EQ(session.Eval("s := \"abc\", copy(s, 1, (s := \"\", 2))"), "string \"bc\"");
+}
+
+TEST(Handlers, Called_by_a_host_are_under_the_limits_of_an_evaluation) {
+  DirectCall call("tokcnt(\"a b\")");
+  IxoMepValue* result = nullptr;
+  {
+    const InterruptingHost host(0);
+    EXPECT_EQ(call.Run(result), IMEPERR_TOO_DEEP);
+    EXPECT_EQ(call.text(), "The evaluation is interrupted.");
+    EXPECT_EQ(result, nullptr);
+  }
+  EXPECT_EQ(call.Run(result), IMEPERR_NONE);
+  EXPECT_EQ(ShownValue(ValuePtr(result).get()), "integer 2");
 }
 
 }  // namespace

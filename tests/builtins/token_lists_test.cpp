@@ -5,6 +5,8 @@
 #include <string>
 
 #include "tests/support/call_checks.h"
+#include "tests/support/eval.h"
+#include "tests/support/test_host.h"
 
 namespace ixomep::test {
 namespace {
@@ -224,6 +226,20 @@ TEST(ValArray, Token_that_cannot_be_read_is_undefined) {
   CheckAll(session, {{"valarray(\"1 x 2\")", "array {1, (undefined), 2}"},
                      {"valarray(\"1,,2\", \",\")", "array {1, (undefined), 2}"},
                      {"valarray(\"5km\")", "array {(undefined)}"}});
+}
+
+TEST(ValArray, Token_that_opens_a_bracket_and_cannot_be_read_is_undefined) {
+  Session session;
+  CheckAll(session, {{"valtokstr(valarray(\"( { 1\", \" \"), \";\")",
+                      "string \"(undefined);(undefined);1\""}});
+}
+
+TEST(ValArray, Want_of_memory_for_a_token_is_a_failure_and_not_an_undefined_element) {
+  IxoMepValueSet scope;
+  Eval("long := \"\\\"\" + \"x\" * 1000000 + \"\\\"\"", &scope);
+  EXPECT_EQ(Eval("LEN valarray(long, \" \")", &scope).Shown(), "integer 1");
+  const ScopedMemoryLimit limit(1500000);  // one copy of the token and no other
+  EXPECT_EQ(Eval("valarray(long, \" \")", &scope).Shown(), "error 37");
 }
 
 }  // namespace

@@ -259,11 +259,22 @@ TEST(Limits, Long_work_of_built_in_functions_is_interrupted) {
       "a.sort()",
       "a.sort(lambda(x, y, x > y))",
       "s.sort()",
+      "LEN replall(t, \"a \", \"b\")",
+      "token(t, 19999)",
+      "tokindex(t, \"b\")",
+      "LEN t.without(\"a\")",
+      "LEN STR a",
+      "LEN valtokstr({a})",
+      "LEN tourlquerystring(m)",
+      "map().insertAllFrom(m)",
+      "LEN parse(\"0\" + \" + 1\" * 200000)",
+      "regex(\"(a|b|ab)*c[yz]\", \"ab\" * 1000 + \"cx\")",
   };
   IxoMepValueSet scope;
   Eval(
       "t := \"a \" * 20000, a := {}, s := {}, "
-      "for(i, 1, 20000){aappend(a, i * 7919 MOD 10007), aappend(s, STR i)}",
+      "for(i, 1, 20000){aappend(a, i * 7919 MOD 10007), aappend(s, STR i)}, "
+      "m := map(), for(i, 1, 5000){m[i] := i}",
       &scope);
   for (const char* const text : kLong) {
     SCOPED_TRACE(text);

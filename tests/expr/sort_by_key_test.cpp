@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <functional>
 #include <random>
 #include <string>
+#include <utility>
 
+#include "ixomep/expr/expression_parser.h"
+#include "ixomep/values/value_rep.h"
 #include "tests/support/eval.h"
 #include "tests/support/test_host.h"
 
@@ -102,6 +106,35 @@ TEST(SortByKey, Takes_n_log_n_time) {
             "integer 1");
   // Exchanges would take half an hour.
   EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
+}
+
+// Does what the test wants when it is copied, once.
+class TouchingCopies : public IxoMepExpressionParser {
+ public:
+  explicit TouchingCopies(std::function<void()>& touch) : touch_(touch) {}
+  IxoMepExpressionParser* CreateCopy() const override {
+    if (const std::function<void()> touch = std::exchange(touch_, nullptr)) touch();
+    return new TouchingCopies(*this);
+  }
+
+ private:
+  std::function<void()>& touch_;
+};
+
+TEST(SortByKey, The_copy_of_an_element_may_take_another_one_out_of_the_array) {
+  std::function<void()> touch;
+  IxoMepValueSet scope;
+  Eval("list := {{0, 1, 1, 1}, {1, 2}, {7}}", &scope);
+  IxoMepValue& list = *scope.OldGetLValue("list");
+  const TouchingCopies expression(touch);
+  ValueAccess::OwnItems(*ValueAccess::OwnElement(list, 0))[0]->SetExpr(&expression);
+  ValuePtr taken;
+  touch = [&] { taken = ValueAccess::TakeAt(list, 2); };
+  EXPECT_EQ(Eval("list.sort(lambda(a, b, LEN a < LEN b))", &scope).code, IMEPERR_NONE);
+  ASSERT_NE(taken, nullptr);
+  EXPECT_EQ(ShownValue(*taken), "array {7}");
+  EXPECT_EQ(Eval("tokstr({LEN list, LEN list[0], LEN list[1]})", &scope).Shown(),
+            "string \"2 2 4\"");
 }
 
 }  // namespace
