@@ -53,14 +53,37 @@ class DocumentScanner {
     bool is_attribute = false;  // an attribute's body
   };
 
+  enum class Form : std::uint8_t { None, Option, Attribute, Element, BareElement };
+  // What followed an item when it was met last.
+  struct Follower {
+    std::uint32_t at;   // of the white space before it
+    std::uint8_t size;  // up to its value, where it has one
+    std::uint8_t gap;   // of the white space
+    Form form;
+    bool starts_line;
+    std::uint32_t name;
+    std::uint32_t modifier;
+  };
+  // Items by what they are known for: a brace, or the name with a number.
+  static constexpr std::uint32_t kAfterCloser = 0;
+  static constexpr std::uint32_t kAfterOpener = 1;
+  static constexpr std::uint32_t kAfterName = 1;
+
   bool Scan();
+  bool ReadFollower();
+  void Learn(Form form, const char* end, std::uint32_t name, std::uint32_t modifier);
+  void AddElement(const ElementRecord& element);
   bool ReadElement();
   bool ReadAttribute();
   bool ReadAttributeValue(AttributeRecord& attribute);
+  // The number of the name at the position, all of whose bytes are of a class.
+  std::uint32_t ReadName(unsigned classes);
   // `start` is the element's.
   bool ReadLiteral(LiteralRecord& literal, std::uint32_t start);
   bool ReadString(LiteralRecord& literal);
   bool ReadNumber(LiteralRecord& literal);
+  bool ReadPlainNumber(LiteralRecord& literal);
+  bool ReadPlainLiteral(LiteralRecord& literal);
   bool ReadRareNumber(LiteralRecord& literal);
   bool ReadExpression(LiteralRecord& literal, std::uint32_t start);
   bool AddLoose();
@@ -75,7 +98,9 @@ class DocumentScanner {
   bool IsAtStatementStart() const noexcept;
   // Whether a statement stands at the position; end is its ";", kNoRecord for none.
   bool FindStatement(std::uint32_t& end);
-  bool OpensArray() const noexcept;
+  const char* FindQuote(const char* at) const noexcept;
+  bool HasValue() const noexcept;
+  static bool OpensArray(const char* at) noexcept;
   bool EndsHere() const noexcept;
   bool BracketEnd(const char*& end, bool& is_simple);
   bool Compile(std::string_view source, std::uint32_t at, bool is_literal, bool is_shared,
@@ -89,7 +114,8 @@ class DocumentScanner {
   Document& document_;
   const char* text_;
   const char* at_;
-  const char* end_;  // a zero byte stands there
+  const char* end_;        // a zero byte stands there
+  const char* block_end_;  // before it a block may be read at once
   Frame frame_;
   std::vector<Frame> outer_;
   RecordArray<ElementRecord> pending_elements_;
@@ -98,6 +124,10 @@ class DocumentScanner {
   std::unique_ptr<NameTable> sources_;
   std::vector<std::uint32_t> made_of_source_;
   std::vector<char> brackets_;
+
+  RecordArray<Follower> followers_;  // by the item before
+  std::uint32_t last_ = kAfterCloser;
+  const char* item_ = nullptr;  // the white space before the item that is being read
 
   // Where the last item ended, and whether a statement could start there without a line feed.
   const char* gap_ = nullptr;

@@ -4,6 +4,7 @@
 // text or a body's parser may throw std::bad_alloc.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -46,12 +47,6 @@ class ValueView {
   }
   std::string_view Source() const noexcept {
     return document_->Text().view().substr(literal_->at, literal_->size);
-  }
-  // The text of a string literal without escapes, as it stands; false for any other value.
-  bool GetPlainText(std::string_view& text) const noexcept {
-    if (literal_ == nullptr || literal_->Kind() != LiteralKind::String) return false;
-    text = Source();
-    return true;
   }
 
  private:
@@ -137,7 +132,8 @@ class ElementView {
   std::int32_t AttrCount() const noexcept;
   // None when the position is out of range; when there is no such attribute.
   AttributeView Attr(std::int32_t position) const noexcept;
-  AttributeView FindAttr(std::string_view name) const noexcept;
+  template <class Name>
+  AttributeView FindAttr(const Name& name) const noexcept;
 
  private:
   const IxoMepElement* made_ = nullptr;
@@ -148,6 +144,33 @@ class ElementView {
 
 inline bool IsValue(const LiteralRecord& literal) noexcept {
   return literal.Kind() != LiteralKind::None && literal.Kind() != LiteralKind::Body;
+}
+
+inline constexpr auto kOpenType = static_cast<IxoMepValueType>(-1);
+
+// The type of the value of a literal; false when it takes reading it, or its evaluation, to tell.
+inline bool GetLiteralType(const LiteralRecord& literal, IxoMepValueType& type) noexcept {
+  constexpr std::array<IxoMepValueType, 16> kTypes = [] {
+    std::array<IxoMepValueType, 16> types{};
+    types.fill(kOpenType);
+    const auto set = [&types](LiteralKind kind, IxoMepValueType of) {
+      types[static_cast<std::size_t>(kind)] = of;
+    };
+    set(LiteralKind::None, IxoMepValueType::Undefined);
+    set(LiteralKind::Body, IxoMepValueType::Undefined);
+    set(LiteralKind::String, IxoMepValueType::String);
+    set(LiteralKind::Escaped, IxoMepValueType::String);
+    set(LiteralKind::Integer, IxoMepValueType::Integer);
+    set(LiteralKind::Real, IxoMepValueType::Real);
+    set(LiteralKind::Measure, IxoMepValueType::Measure);
+    set(LiteralKind::Time, IxoMepValueType::Time);
+    set(LiteralKind::Source, IxoMepValueType::Expression);
+    return types;
+  }();
+  const IxoMepValueType found = kTypes[literal.kind];
+  if (found == kOpenType) return false;
+  type = found;
+  return true;
 }
 
 inline ValueView::ValueView(const Document& document, const LiteralRecord& literal) noexcept {
@@ -165,26 +188,7 @@ inline bool ValueView::GetType(IxoMepValueType& type) const noexcept {
     type = made_ != nullptr ? made_->GetType() : IxoMepValueType::Undefined;
     return true;
   }
-  switch (literal_->Kind()) {
-    case LiteralKind::String:
-    case LiteralKind::Escaped:
-      type = IxoMepValueType::String;
-      return true;
-    case LiteralKind::Integer:
-      type = IxoMepValueType::Integer;
-      return true;
-    case LiteralKind::Measure:
-      type = IxoMepValueType::Measure;
-      return true;
-    case LiteralKind::Time:
-      type = IxoMepValueType::Time;
-      return true;
-    case LiteralKind::Source:
-      type = IxoMepValueType::Expression;
-      return true;
-    default:
-      return false;
-  }
+  return GetLiteralType(*literal_, type);
 }
 
 inline const String& AttributeView::Name() const {
@@ -292,7 +296,9 @@ inline AttributeView ElementView::Attr(std::int32_t position) const noexcept {
           document_->Attribute(record_->first_attribute + static_cast<std::uint32_t>(position))};
 }
 
-inline AttributeView ElementView::FindAttr(std::string_view name) const noexcept {
+// A String or a view.
+template <class Name>
+AttributeView ElementView::FindAttr(const Name& name) const noexcept {
   if (made_ != nullptr) return AttributeView(made_->FindAttr(name));
   const std::uint32_t index = document_->FindAttribute(*record_, name);
   if (index == kNoRecord) return {};
@@ -309,8 +315,23 @@ inline ixomep::ElementView IxoMepParser::ViewAt(std::int32_t index) const noexce
   return {*records_, first_record_ + static_cast<std::uint32_t>(index), /*is_loose=*/false};
 }
 
+// A current element that is no object is a record, and the loose attributes of a body are the record
+// before its first one.
 inline ixomep::ElementView IxoMepParser::CurrentView() const noexcept {
   if (current_ != nullptr) return ixomep::ElementView(current_);
-  if (current_index_ >= 0) return ViewAt(current_index_);
-  return {*records_, first_record_ - 1, /*is_loose=*/true};
+  return {*records_, first_record_ + static_cast<std::uint32_t>(current_index_),
+          /*is_loose=*/current_index_ < 0};
+}
+
+inline const ixomep::ElementRecord* IxoMepParser::CurrentRecord() const noexcept {
+  if (current_ != nullptr) return nullptr;
+  return &records_->Element(first_record_ + static_cast<std::uint32_t>(current_index_));
+}
+
+inline const ixomep::AttributeRecord* IxoMepParser::CurrentAttribute(
+    std::int32_t pos) const noexcept {
+  const ixomep::ElementRecord* const element = CurrentRecord();
+  const auto at = static_cast<std::uint32_t>(pos);
+  if (element == nullptr || at >= element->attribute_count) return nullptr;
+  return &records_->Attribute(element->first_attribute + at);
 }

@@ -7,6 +7,7 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/guarded.h"
 #include "ixomep/parser/element_view.h"
+#include "ixomep/parser/literal_reader.h"
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 #include "ixomep/values/raise.h"
@@ -43,12 +44,13 @@ std::int32_t IntegerOfText(const IxoMepValue& value) {
   return ixomep::LeadingInteger(value.GetStr());
 }
 
-// The text of a plain string goes straight from the definition text into the result.
-bool TakePlainText(const ixomep::ValueView& stored, String& out) noexcept {
-  std::string_view text;
-  if (!stored.GetPlainText(text)) return false;
+// The text of a string goes straight from the definition text into the result.
+bool TakeText(const ixomep::ValueView& stored, String& out) noexcept {
+  const ixomep::LiteralKind kind = stored.Kind();
+  if (kind != ixomep::LiteralKind::String && kind != ixomep::LiteralKind::Escaped) return false;
   return ixomep::OrNeutral(false, [&] {
-    out = String(text);
+    out = kind == ixomep::LiteralKind::String ? String(stored.Source())
+                                              : ixomep::Unescape(stored.Source());
     return true;
   });
 }
@@ -106,13 +108,26 @@ Type IxoMepParser::TypeOf(const ixomep::ValueView& stored) const {
   return type;
 }
 
-IxoMepValueType IxoMepParser::GetValueType() const { return TypeOf(OwnValue()); }
+bool IxoMepParser::FindLiteralType(const ixomep::LiteralRecord& literal,
+                                   Type& type) const noexcept {
+  return ixomep::GetLiteralType(literal, type) && (type != Type::Expression || vars_ == nullptr);
+}
+
+IxoMepValueType IxoMepParser::GetValueType() const {
+  const ixomep::ElementRecord* const record = CurrentRecord();
+  Type type = Type::Undefined;
+  if (record != nullptr && FindLiteralType(record->literal, type)) return type;
+  return TypeOf(OwnValue());
+}
 
 IxoMepValueType IxoMepParser::GetValueType(const String& name) const {
   return TypeOf(NamedValue(name));
 }
 
 IxoMepValueType IxoMepParser::GetValueTypeOfPos(std::int32_t pos) const {
+  const ixomep::AttributeRecord* const record = CurrentAttribute(pos);
+  Type type = Type::Undefined;
+  if (record != nullptr && FindLiteralType(record->literal, type)) return type;
   return TypeOf(ValueAt(pos));
 }
 
@@ -164,12 +179,12 @@ std::unique_ptr<IxoMepValue> IxoMepParser::GetMapValue(const String& name) const
 
 bool IxoMepParser::TryGetStrValue(String& value) const {
   const ixomep::ValueView stored = OwnValue();
-  return TakePlainText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
+  return TakeText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
 }
 
 bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
   const ixomep::ValueView stored = NamedValue(name);
-  return TakePlainText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
+  return TakeText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
 }
 
 String IxoMepParser::GetStrValue() const {
