@@ -77,7 +77,7 @@ bool DocumentScanner::ReadNumber(LiteralRecord& literal) {
   const int unit = UnitLength(end);
   if (unit != 0) kind = *end == 's' ? LiteralKind::Time : LiteralKind::Measure;
   at_ = end + unit;
-  if (unit < 0 || !EndsHere()) {
+  if (unit < 0 || !EndsAt(at_)) {
     at_ = start;
     return ReadRareNumber(literal);
   }

@@ -10,6 +10,9 @@
 #include "ixomep/parser/byte_kinds.h"
 #include "ixomep/parser/bytes.h"
 
+// One function with its callers: what it returns stays in a register.
+#define IXOMEP_FUSED [[gnu::always_inline]] inline
+
 namespace ixomep {
 namespace {
 
@@ -60,7 +63,7 @@ bool DocumentScanner::Scan() {
   next_semicolon_ = text_;
   MayStartStatement();
   for (;;) {
-    if (ReadFollower()) continue;
+    ReadFollowers();
     item_ = at_;
     at_ = SkipQuick(at_, kQuickWhite);
     bool good = false;
@@ -95,6 +98,65 @@ bool DocumentScanner::Scan() {
   }
 }
 
+// --- Strings and plain numbers ------------------------------------------------------------------
+
+IXOMEP_FUSED bool DocumentScanner::ReadString(const char*& at, LiteralRecord& literal) const noexcept {
+  const char* const first = at + 1;
+  LiteralKind kind = LiteralKind::String;
+  const char* end = FindQuote(first);
+  while (*end == '\\') {
+    kind = LiteralKind::Escaped;
+    if (end_ - end < 2) return false;
+    end = FindQuote(end + 2);
+  }
+  const auto size = static_cast<std::size_t>(end - first);
+  if (end == end_ || size > LiteralRecord::kMostBytes) return false;
+  literal.Set(kind, OffsetOf(first), size);
+  at = end + 1;
+  return true;
+}
+
+// Digits with a fraction and a unit, or without them, that stand in one block with what follows.
+IXOMEP_FUSED bool DocumentScanner::ReadPlainNumber(const char*& at, LiteralRecord& literal) const noexcept {
+  const char* const start = at;
+  if (start >= block_end_) return false;
+  ByteBlock::Mask others = ByteBlock(start).Between('0', '9') ^ ByteBlock::kAll;
+  if (others == 0) return false;
+  const std::size_t digits = ByteBlock::First(others);
+  if (digits == 0 || digits > kExactDigits) return false;
+  LiteralKind kind = LiteralKind::Integer;
+  const char* end = start + digits;
+  if (*end == '.') {
+    others &= others - 1;
+    if (others == 0) return false;
+    const std::size_t places = ByteBlock::First(others) - digits - 1;
+    if (places == 0) return false;
+    kind = LiteralKind::Real;
+    end += 1 + places;
+  }
+  if (!IsQuick(*end, kQuickWhite)) {
+    const int unit = UnitLength(end);
+    if (unit < 0) return false;
+    if (unit > 0) kind = *end == 's' ? LiteralKind::Time : LiteralKind::Measure;
+    end += unit;
+    if (!EndsAt(end)) return false;
+  }
+  literal.Set(kind, OffsetOf(start), static_cast<std::size_t>(end - start));
+  at = end;
+  return true;
+}
+
+// A string or plain number; false, and nothing is changed, when something else stands there.
+IXOMEP_FUSED bool DocumentScanner::ReadPlainLiteral(const char*& at, LiteralRecord& literal) const noexcept {
+  return *at == '"' ? ReadString(at, literal) : ReadPlainNumber(at, literal);
+}
+
+bool DocumentScanner::ReadLiteral(LiteralRecord& literal, std::uint32_t start) {
+  if (ReadPlainLiteral(at_, literal)) return true;
+  if (*at_ == '(' || *at_ == '{') return ReadExpression(literal, start);
+  return *at_ != '"' && ReadNumber(literal);
+}
+
 // --- What is repeated ---------------------------------------------------------------------------
 
 // Notes the item that began at item_: its bytes up to a position say so much of it.
@@ -113,64 +175,64 @@ void DocumentScanner::Learn(Form form, const char* end, std::uint32_t name,
 }
 
 // Most texts say the same things in the same order and form again and again. When the bytes are
-// those that followed an item of this name before, they mean the same as then. False, and nothing
-// is changed, when they are others or when what follows them has to be looked at.
-bool DocumentScanner::ReadFollower() {
-  if (last_ >= followers_.Size() || at_ >= block_end_) return false;
-  const Follower follower = followers_[last_];
-  const char* const start = at_;
-  if (follower.form == Form::None || !IsSame(start, text_ + follower.at, follower.size)) {
-    return false;
+// those that followed an item of this name before, they mean the same as then. Reads such items
+// until there are others, or until what follows them has to be looked at.
+void DocumentScanner::ReadFollowers() {
+  const char* at = at_;
+  std::uint32_t last = last_;
+  while (last < followers_.Size() && at < block_end_) {
+    const Follower follower = followers_[last];
+    if (!IsSame(at, text_ + follower.at, follower.size) || !MayFollow(follower)) break;
+    const char* end = at + follower.size;
+    // Written where they stay: moved at once, their parts would have to wait for each other.
+    if (follower.form >= Form::Element) {
+      ElementRecord& element = pending_elements_.Next();
+      element.literal.Set(LiteralKind::None, 0);
+      if (follower.form == Form::BareElement ? HasValue(end)
+                                             : !ReadPlainLiteral(end, element.literal)) {
+        break;
+      }
+      if (!EndsAt(end)) break;
+      FinishElement();
+      frame_.owner = pending_elements_.Size();
+      frame_.has_element = true;
+      element.start = OffsetOf(at) + follower.gap;
+      element.keyword = follower.name;
+      element.attribute_count = 0;
+      element.body = kNoRecord;
+      pending_elements_.PushNext();
+    } else {
+      AttributeRecord& attribute = pending_attributes_.Next();
+      attribute.literal.Set(LiteralKind::None, 0);
+      if (follower.form == Form::Attribute && !ReadPlainLiteral(end, attribute.literal)) break;
+      if (!EndsAt(end)) break;
+      attribute.name = follower.name;
+      attribute.modifier = follower.modifier;
+      pending_attributes_.PushNext();
+    }
+    at = end;
+    last = follower.name + kAfterName;
+    is_fresh_ = false;
   }
-  const bool is_element = follower.form >= Form::Element;
-  // A statement may start there, or the attribute may have no element.
-  const bool is_uncertain =
-      (next_semicolon_ != nullptr && (follower.starts_line || is_fresh_)) ||
-      frame_.owner == kNoRecord;
-  if (!is_element && is_uncertain) return false;
-  at_ = start + follower.size;
-  // Written where they stay: moved at once, their parts would have to wait for each other.
-  ElementRecord& element = pending_elements_.Next();
-  AttributeRecord& attribute = pending_attributes_.Next();
-  LiteralRecord& literal = is_element ? element.literal : attribute.literal;
-  literal.Set(LiteralKind::None, 0);
-  const bool is_good = follower.form == Form::BareElement ? !HasValue()
-                       : follower.form == Form::Option    ? true
-                                                          : ReadPlainLiteral(literal);
-  if (!is_good || !EndsHere()) {
-    at_ = start;
-    return false;
-  }
-  if (is_element) {
-    FinishElement();
-    frame_.owner = pending_elements_.Size();
-    frame_.has_element = true;
-    element.start = OffsetOf(start) + follower.gap;
-    element.keyword = follower.name;
-    element.attribute_count = 0;
-    element.body = kNoRecord;
-    pending_elements_.PushNext();
-  } else {
-    attribute.name = follower.name;
-    attribute.modifier = follower.modifier;
-    pending_attributes_.PushNext();
-  }
-  gap_ = at_;
-  is_fresh_ = false;
-  last_ = follower.name + kAfterName;
-  return true;
+  if (at == at_) return;
+  at_ = at;
+  gap_ = at;
+  last_ = last;
 }
 
-// Whether a value stands behind the keyword that ends at the position.
-bool DocumentScanner::HasValue() const noexcept {
-  const char* const value = SkipQuick(at_, kQuickWhite);
+// Whether the bytes mean at the position what they meant before: no statement may start there, and
+// an attribute needs an element.
+bool DocumentScanner::MayFollow(const Follower& follower) const noexcept {
+  if (follower.form >= Form::Element) return true;
+  const bool may_be_statement = next_semicolon_ != nullptr && (follower.starts_line || is_fresh_);
+  return follower.form != Form::None && !may_be_statement && frame_.owner != kNoRecord;
+}
+
+// Whether a value stands behind the keyword that ends at a position.
+bool DocumentScanner::HasValue(const char* end) noexcept {
+  const char* const value = SkipQuick(end, kQuickWhite);
   if (!IsQuick(*value, kQuickLiteral) || (*value == '(' && value[1] == '*')) return false;
   return *value != '{' || OpensArray(value);
-}
-
-// A string or plain number; false when something else stands at the position.
-bool DocumentScanner::ReadPlainLiteral(LiteralRecord& literal) {
-  return *at_ == '"' ? ReadString(literal) : ReadPlainNumber(literal);
 }
 
 // --- Elements and attributes --------------------------------------------------------------------
@@ -183,14 +245,14 @@ bool DocumentScanner::ReadElement() {
   if (element.keyword == NameTable::kUnknown) return false;
   const char* end = at_;
   const char next = *end;
-  if (!IsQuick(next, kQuickWhite) && next != '"' && next != '(' && !EndsHere()) return false;
+  if (!IsQuick(next, kQuickWhite) && next != '"' && next != '(' && !EndsAt(at_)) return false;
 
   Form form = Form::BareElement;
   at_ = SkipQuick(end, kQuickWhite);
   const char* const value = at_;
   if (IsQuick(*at_, kQuickLiteral) && !(*at_ == '(' && at_[1] == '*') &&
       (*at_ != '{' || OpensArray(at_))) {
-    if (!ReadLiteral(element.literal, element.start) || !EndsHere()) return false;
+    if (!ReadLiteral(element.literal, element.start) || !EndsAt(at_)) return false;
     end = at_;
     form = Form::Element;
   }
@@ -235,7 +297,7 @@ bool DocumentScanner::ReadAttribute() {
   Learn(Form::Option, at_, attribute.name, attribute.modifier);
   gap_ = at_;
   pending_attributes_.Push(attribute);
-  return EndsHere();
+  return EndsAt(at_);
 }
 
 // A body may begin with attributes: they get an element without a keyword.
@@ -258,7 +320,7 @@ bool DocumentScanner::ReadAttributeValue(AttributeRecord& attribute) {
       Learn(Form::Option, at_, attribute.name, attribute.modifier);
       gap_ = at_;
       pending_attributes_.Push(attribute);
-      return EndsHere();
+      return EndsAt(at_);
     }
     at_ = SkipQuick(at_ + 1, kQuickWhite);
   }
@@ -273,7 +335,7 @@ bool DocumentScanner::ReadAttributeValue(AttributeRecord& attribute) {
   Learn(Form::Attribute, value, attribute.name, attribute.modifier);
   gap_ = at_;
   pending_attributes_.Push(attribute);
-  return EndsHere();
+  return EndsAt(at_);
 }
 
 std::uint32_t DocumentScanner::ReadName(unsigned classes) {
@@ -285,77 +347,6 @@ std::uint32_t DocumentScanner::ReadName(unsigned classes) {
     if (number != NameTable::kNoName) return number;
   }
   return document_.names_.Add(OffsetOf(start), size);
-}
-
-// The first quote or backslash from a position on; the end of the text when there is none.
-const char* DocumentScanner::FindQuote(const char* at) const noexcept {
-  for (; at < block_end_; at += ByteBlock::kSize) {
-    const ByteBlock block(at);
-    const ByteBlock::Mask hits = block.Is('"') | block.Is('\\');
-    if (hits != 0) return at + ByteBlock::First(hits);
-  }
-  while (at != end_ && *at != '"' && *at != '\\') ++at;
-  return at;
-}
-
-bool DocumentScanner::ReadLiteral(LiteralRecord& literal, std::uint32_t start) {
-  if (*at_ == '"') return ReadString(literal);
-  if (*at_ == '(' || *at_ == '{') return ReadExpression(literal, start);
-  return ReadPlainNumber(literal) || ReadNumber(literal);
-}
-
-bool DocumentScanner::ReadString(LiteralRecord& literal) {
-  const char* const first = at_ + 1;
-  LiteralKind kind = LiteralKind::String;
-  const char* end = FindQuote(first);
-  while (*end == '\\') {
-    kind = LiteralKind::Escaped;
-    if (end_ - end < 2) return false;
-    end = FindQuote(end + 2);
-  }
-  const auto size = static_cast<std::size_t>(end - first);
-  if (end == end_ || size > LiteralRecord::kMostBytes) return false;
-  literal.Set(kind, OffsetOf(first), size);
-  at_ = end + 1;
-  return true;
-}
-
-// Digits with a fraction and a unit, or without them, that stand in one block with what follows.
-bool DocumentScanner::ReadPlainNumber(LiteralRecord& literal) {
-  const char* const start = at_;
-  if (start >= block_end_) return false;
-  ByteBlock::Mask others = ByteBlock(start).Between('0', '9') ^ ByteBlock::kAll;
-  if (others == 0) return false;
-  const std::size_t digits = ByteBlock::First(others);
-  if (digits == 0 || digits > kExactDigits) return false;
-  LiteralKind kind = LiteralKind::Integer;
-  const char* end = start + digits;
-  if (*end == '.') {
-    others &= others - 1;
-    if (others == 0) return false;
-    const std::size_t places = ByteBlock::First(others) - digits - 1;
-    if (places == 0) return false;
-    kind = LiteralKind::Real;
-    end += 1 + places;
-  }
-  if (!IsQuick(*end, kQuickWhite)) {
-    const int unit = UnitLength(end);
-    if (unit < 0) return false;
-    if (unit > 0) kind = *end == 's' ? LiteralKind::Time : LiteralKind::Measure;
-    at_ = end += unit;
-    if (!EndsHere()) {
-      at_ = start;
-      return false;
-    }
-  }
-  literal.Set(kind, OffsetOf(start), static_cast<std::size_t>(end - start));
-  at_ = end;
-  return true;
-}
-
-// Whether an item may end at the position.
-bool DocumentScanner::EndsHere() const noexcept {
-  return IsQuick(*at_, kQuickWhite) || (*at_ == '}' && !outer_.empty()) || at_ == end_;
 }
 
 // Whether the brace at a position opens an array display.
@@ -409,7 +400,7 @@ bool DocumentScanner::CloseBody() {
   gap_ = at_;
   is_fresh_ = false;
   last_ = kAfterCloser;
-  return !must_end || EndsHere();
+  return !must_end || EndsAt(at_);
 }
 
 // --- Comments and statements --------------------------------------------------------------------

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ixomep/parser/byte_block.h"
+#include "ixomep/parser/byte_kinds.h"
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/folded.h"
 #include "ixomep/parser/name_table.h"
@@ -70,7 +72,8 @@ class DocumentScanner {
   static constexpr std::uint32_t kAfterName = 1;
 
   bool Scan();
-  bool ReadFollower();
+  void ReadFollowers();
+  bool MayFollow(const Follower& follower) const noexcept;
   void Learn(Form form, const char* end, std::uint32_t name, std::uint32_t modifier);
   void AddElement(const ElementRecord& element);
   bool ReadElement();
@@ -80,11 +83,13 @@ class DocumentScanner {
   std::uint32_t ReadName(unsigned classes);
   // `start` is the element's.
   bool ReadLiteral(LiteralRecord& literal, std::uint32_t start);
-  bool ReadString(LiteralRecord& literal);
   bool ReadNumber(LiteralRecord& literal);
-  bool ReadPlainNumber(LiteralRecord& literal);
-  bool ReadPlainLiteral(LiteralRecord& literal);
   bool ReadRareNumber(LiteralRecord& literal);
+  // These move `at` behind the literal that stands there; false, and nothing is moved, when there
+  // is none.
+  bool ReadString(const char*& at, LiteralRecord& literal) const noexcept;
+  bool ReadPlainNumber(const char*& at, LiteralRecord& literal) const noexcept;
+  bool ReadPlainLiteral(const char*& at, LiteralRecord& literal) const noexcept;
   bool ReadExpression(LiteralRecord& literal, std::uint32_t start);
   bool AddLoose();
   bool TryStatement(bool& done);
@@ -98,10 +103,22 @@ class DocumentScanner {
   bool IsAtStatementStart() const noexcept;
   // Whether a statement stands at the position; end is its ";", kNoRecord for none.
   bool FindStatement(std::uint32_t& end);
-  const char* FindQuote(const char* at) const noexcept;
-  bool HasValue() const noexcept;
+  // The first quote or backslash from a position on; the end of the text when there is none.
+  const char* FindQuote(const char* at) const noexcept {
+    for (; at < block_end_; at += ByteBlock::kSize) {
+      const ByteBlock block(at);
+      const ByteBlock::Mask hits = block.Is('"') | block.Is('\\');
+      if (hits != 0) return at + ByteBlock::First(hits);
+    }
+    while (at != end_ && *at != '"' && *at != '\\') ++at;
+    return at;
+  }
+  static bool HasValue(const char* end) noexcept;
   static bool OpensArray(const char* at) noexcept;
-  bool EndsHere() const noexcept;
+  // Whether an item may end at a position.
+  bool EndsAt(const char* at) const noexcept {
+    return IsQuick(*at, kQuickWhite) || (*at == '}' && !outer_.empty()) || at == end_;
+  }
   bool BracketEnd(const char*& end, bool& is_simple);
   bool Compile(std::string_view source, std::uint32_t at, bool is_literal, bool is_shared,
                std::uint32_t& index);

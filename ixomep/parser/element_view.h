@@ -146,28 +146,30 @@ inline bool IsValue(const LiteralRecord& literal) noexcept {
   return literal.Kind() != LiteralKind::None && literal.Kind() != LiteralKind::Body;
 }
 
+// The types of the values of literals, by kind; kOpenType for one that has to be read, or
+// evaluated, to tell.
 inline constexpr auto kOpenType = static_cast<IxoMepValueType>(-1);
+inline constexpr std::array<IxoMepValueType, 16> kLiteralTypes = [] {
+  std::array<IxoMepValueType, 16> types{};
+  types.fill(kOpenType);
+  const auto set = [&types](LiteralKind kind, IxoMepValueType type) {
+    types[static_cast<std::size_t>(kind)] = type;
+  };
+  set(LiteralKind::None, IxoMepValueType::Undefined);
+  set(LiteralKind::Body, IxoMepValueType::Undefined);
+  set(LiteralKind::String, IxoMepValueType::String);
+  set(LiteralKind::Escaped, IxoMepValueType::String);
+  set(LiteralKind::Integer, IxoMepValueType::Integer);
+  set(LiteralKind::Real, IxoMepValueType::Real);
+  set(LiteralKind::Measure, IxoMepValueType::Measure);
+  set(LiteralKind::Time, IxoMepValueType::Time);
+  set(LiteralKind::Source, IxoMepValueType::Expression);
+  return types;
+}();
 
-// The type of the value of a literal; false when it takes reading it, or its evaluation, to tell.
+// False when the literal alone does not tell.
 inline bool GetLiteralType(const LiteralRecord& literal, IxoMepValueType& type) noexcept {
-  constexpr std::array<IxoMepValueType, 16> kTypes = [] {
-    std::array<IxoMepValueType, 16> types{};
-    types.fill(kOpenType);
-    const auto set = [&types](LiteralKind kind, IxoMepValueType of) {
-      types[static_cast<std::size_t>(kind)] = of;
-    };
-    set(LiteralKind::None, IxoMepValueType::Undefined);
-    set(LiteralKind::Body, IxoMepValueType::Undefined);
-    set(LiteralKind::String, IxoMepValueType::String);
-    set(LiteralKind::Escaped, IxoMepValueType::String);
-    set(LiteralKind::Integer, IxoMepValueType::Integer);
-    set(LiteralKind::Real, IxoMepValueType::Real);
-    set(LiteralKind::Measure, IxoMepValueType::Measure);
-    set(LiteralKind::Time, IxoMepValueType::Time);
-    set(LiteralKind::Source, IxoMepValueType::Expression);
-    return types;
-  }();
-  const IxoMepValueType found = kTypes[literal.kind];
+  const IxoMepValueType found = kLiteralTypes[literal.kind];
   if (found == kOpenType) return false;
   type = found;
   return true;
@@ -334,4 +336,11 @@ inline const ixomep::AttributeRecord* IxoMepParser::CurrentAttribute(
   const auto at = static_cast<std::uint32_t>(pos);
   if (element == nullptr || at >= element->attribute_count) return nullptr;
   return &records_->Attribute(element->first_attribute + at);
+}
+
+inline const ixomep::LiteralRecord* IxoMepParser::NamedLiteral(const String& name) const noexcept {
+  const ixomep::ElementRecord* const element = CurrentRecord();
+  if (element == nullptr) return nullptr;
+  const std::uint32_t index = records_->FindAttribute(*element, name);
+  return index != ixomep::kNoRecord ? &records_->Attribute(index).literal : nullptr;
 }

@@ -247,6 +247,7 @@ class IXOMEP_API IxoMepParser {
   // a position out of range.
   const ixomep::ElementRecord* CurrentRecord() const noexcept;
   const ixomep::AttributeRecord* CurrentAttribute(std::int32_t pos) const noexcept;
+  const ixomep::LiteralRecord* NamedLiteral(const String& name) const noexcept;
   // The stored value of the current element, of its attribute with the name or at the position.
   ixomep::ValueView OwnValue() const noexcept;
   ixomep::ValueView NamedValue(const String& name) const noexcept;

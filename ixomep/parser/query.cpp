@@ -24,7 +24,6 @@ String ModifierOf(const AttributeView& attribute) noexcept {
 
 // The text of a name in records, mostly made before.
 String TextOf(const ixomep::NameTable& names, std::uint32_t number) noexcept {
-  if (number == ixomep::NameTable::kNoName) return String();
   if (const String* const text = names.KnownText(number)) return *text;
   return OrNeutral(String(), [&] { return names.Text(number); });
 }
@@ -112,6 +111,7 @@ String IxoMepParser::GetAttrNameOfPos(std::int32_t index, std::int32_t pos) cons
 
 String IxoMepParser::GetModifierOfPos(std::int32_t pos) const {
   if (const AttributeRecord* const record = CurrentAttribute(pos)) {
+    if (record->modifier == ixomep::NameTable::kNoName) return String();
     return TextOf(records_->Names(), record->modifier);
   }
   return ModifierOf(CurrentView().Attr(pos));

@@ -44,13 +44,22 @@ std::int32_t IntegerOfText(const IxoMepValue& value) {
   return ixomep::LeadingInteger(value.GetStr());
 }
 
+bool IsText(const ixomep::LiteralRecord& literal) noexcept {
+  return literal.Kind() == ixomep::LiteralKind::String ||
+         literal.Kind() == ixomep::LiteralKind::Escaped;
+}
+
 // The text of a string goes straight from the definition text into the result.
-bool TakeText(const ixomep::ValueView& stored, String& out) noexcept {
-  const ixomep::LiteralKind kind = stored.Kind();
-  if (kind != ixomep::LiteralKind::String && kind != ixomep::LiteralKind::Escaped) return false;
+String TextOf(const ixomep::Document& document, const ixomep::LiteralRecord& literal) {
+  const std::string_view source = document.Text().view().substr(literal.at, literal.size);
+  return literal.Kind() == ixomep::LiteralKind::String ? String(source) : ixomep::Unescape(source);
+}
+
+bool TakeText(const ixomep::Document& document, const ixomep::LiteralRecord& literal,
+              String& out) noexcept {
+  if (!IsText(literal)) return false;
   return ixomep::OrNeutral(false, [&] {
-    out = kind == ixomep::LiteralKind::String ? String(stored.Source())
-                                              : ixomep::Unescape(stored.Source());
+    out = TextOf(document, literal);
     return true;
   });
 }
@@ -178,22 +187,32 @@ std::unique_ptr<IxoMepValue> IxoMepParser::GetMapValue(const String& name) const
 }
 
 bool IxoMepParser::TryGetStrValue(String& value) const {
-  const ixomep::ValueView stored = OwnValue();
-  return TakeText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
+  const ixomep::ElementRecord* const record = CurrentRecord();
+  if (record != nullptr && TakeText(*records_, record->literal, value)) return true;
+  return Read(OwnValue(), value, &IxoMepValue::GetStr);
 }
 
 bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
-  const ixomep::ValueView stored = NamedValue(name);
-  return TakeText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
+  const ixomep::LiteralRecord* const literal = NamedLiteral(name);
+  if (literal != nullptr && TakeText(*records_, *literal, value)) return true;
+  return Read(NamedValue(name), value, &IxoMepValue::GetStr);
 }
 
 String IxoMepParser::GetStrValue() const {
+  const ixomep::ElementRecord* const record = CurrentRecord();
+  if (record != nullptr && IsText(record->literal)) {
+    return ixomep::OrNeutral(String(), [&] { return TextOf(*records_, record->literal); });
+  }
   String value;
   TryGetStrValue(value);
   return value;
 }
 
 String IxoMepParser::GetStrValue(const String& name) const {
+  const ixomep::LiteralRecord* const literal = NamedLiteral(name);
+  if (literal != nullptr && IsText(*literal)) {
+    return ixomep::OrNeutral(String(), [&] { return TextOf(*records_, *literal); });
+  }
   String value;
   TryGetStrValue(name, value);
   return value;
