@@ -49,14 +49,16 @@ class WordBlock {
     const std::uint64_t other = word_ ^ Eightfold(static_cast<unsigned char>(byte));
     return ~(((other & Eightfold(0x7F)) + Eightfold(0x7F)) | other) & kAll;
   }
-  // Bytes up to one that is ASCII; those between two that are.
-  Mask UpTo(char last) const noexcept {
-    const auto above = static_cast<unsigned char>(0x7F - last);
-    return ~(((word_ & Eightfold(0x7F)) + Eightfold(above)) | word_) & kAll;
+  template <char... kBytes>
+  Mask IsAny() const noexcept {
+    return (Is(kBytes) | ...);
   }
+  // Bytes between two that are ASCII.
   Mask Between(char first, char last) const noexcept {
+    const std::uint64_t low_bits = word_ & Eightfold(0x7F);
+    const auto above = static_cast<unsigned char>(0x7F - last);
     const auto below = static_cast<unsigned char>(0x80 - first);
-    return UpTo(last) & ((word_ & Eightfold(0x7F)) + Eightfold(below));
+    return ~((low_bits + Eightfold(above)) | word_) & (low_bits + Eightfold(below)) & kAll;
   }
   // The place of the first byte in a mask that has one.
   static std::size_t First(Mask mask) noexcept {
@@ -78,20 +80,24 @@ class VectorBlock {
   explicit VectorBlock(const char* bytes) noexcept
       : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))) {}
 
-  Mask Is(char byte) const noexcept { return MaskOf(_mm_cmpeq_epi8(bytes_, _mm_set1_epi8(byte))); }
-  Mask UpTo(char last) const noexcept { return MaskOf(NotAbove(bytes_, last)); }
+  Mask Is(char byte) const noexcept { return MaskOf(Equal(byte)); }
+  template <char... kBytes>
+  Mask IsAny() const noexcept {
+    __m128i hits = _mm_setzero_si128();
+    ((hits = _mm_or_si128(hits, Equal(kBytes))), ...);
+    return MaskOf(hits);
+  }
   Mask Between(char first, char last) const noexcept {
     const __m128i from_first = _mm_sub_epi8(bytes_, _mm_set1_epi8(first));
-    return MaskOf(NotAbove(from_first, static_cast<char>(last - first)));
+    const __m128i length = _mm_set1_epi8(static_cast<char>(last - first));
+    return MaskOf(_mm_cmpeq_epi8(_mm_min_epu8(from_first, length), from_first));
   }
   static std::size_t First(Mask mask) noexcept {
     return static_cast<std::size_t>(std::countr_zero(mask));
   }
 
  private:
-  static __m128i NotAbove(__m128i bytes, char last) noexcept {
-    return _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(last)), bytes);
-  }
+  __m128i Equal(char byte) const noexcept { return _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(byte)); }
   static Mask MaskOf(__m128i bytes) noexcept {
     return static_cast<Mask>(_mm_movemask_epi8(bytes));
   }

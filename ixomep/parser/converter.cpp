@@ -34,6 +34,7 @@ using ixomep::BodyView;
 using ixomep::ElementView;
 using ixomep::LiteralKind;
 using ixomep::ValueView;
+using NamePart = ixomep::XmlNumberedNames::Part;
 
 constexpr const char* kContext = "IxoMepConverter";
 constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
@@ -60,6 +61,17 @@ void ReserveFor(std::int32_t text_length, String& xml) {
   const std::int64_t usual = std::min<std::int64_t>(length + length / 2, String::kMaxLength);
   if (!ixomep::MemoryBudget::MayTake(static_cast<std::size_t>(4 * usual))) return;
   xml.Reserve(static_cast<std::int32_t>(usual));
+}
+
+// Whether the export text of a plain measure is the measure as it stands: centimetres without zeros
+// that do not count, far from where a real number becomes inexact.
+bool IsWrittenAsItStands(std::string_view measure) noexcept {
+  if (!measure.ends_with("cm")) return false;
+  measure.remove_suffix(2);
+  const std::size_t point = std::min(measure.find('.'), measure.size());
+  const std::size_t places = measure.size() - point;  // the point counts
+  const bool is_whole = measure.front() >= '1' && point <= 5;
+  return is_whole && (places == 0 || (places <= 3 && measure.back() != '0'));
 }
 
 // The export texts of expressions that are compiled when they are asked for. Those met lately are
@@ -105,6 +117,8 @@ class Writer {
     BodyView body;
     std::int32_t next = 0;
     std::string_view keyword = {};  // of the element that has the body
+    const ixomep::Document* records = nullptr;  // of an element that is a record,
+    std::uint32_t number = 0;                   // and the number of its keyword
   };
 
   void Step() {
@@ -112,23 +126,37 @@ class Writer {
     if (level.next == level.body.Count()) return Leave();
     const ElementView element = level.body.Enter(level.next++);
     if (!element) throw std::bad_alloc();
-    WriteStart(element);
-    if (const BodyView body = element.BodyPlace()) {
+    WriteIndent();
+    Level inner;
+    if (const ixomep::Document* const records = element.Records()) {
+      WriteRecord(*records, element.Record());
+      inner.records = records;
+      inner.number = element.Record().keyword;
+    } else {
+      WriteObject(element);
+      inner.keyword = element.KeywordBytes();
+    }
+    inner.body = element.BodyPlace();
+    if (inner.body) {
       out_.Literal(">\n");
-      levels_.push_back({body, 0, element.KeywordBytes()});
+      levels_.push_back(inner);
     } else {
       out_.Literal(" />\n");
     }
   }
 
   void Leave() {
-    levels_.back().body.LeaveAtLast();
-    const std::string_view keyword = levels_.back().keyword;
+    const Level left = levels_.back();
+    left.body.LeaveAtLast();
     levels_.pop_back();
     if (levels_.empty()) return;
     WriteIndent();
     out_.Literal("</");
-    WriteTag(keyword);
+    if (left.records != nullptr) {
+      out_.AppendPadded(NamesOf(*left.records).Of(NamePart::Tag, left.number).substr(1));
+    } else {
+      WriteTag(left.keyword);
+    }
     out_.Literal(">\n");
   }
 
@@ -136,8 +164,13 @@ class Writer {
     if (levels_.size() > 1) out_.Blanks(kIndent * (levels_.size() - 1));
   }
 
-  void WriteStart(const ElementView& element) {
-    WriteIndent();
+  void WriteTag(std::string_view keyword) {
+    std::string tag;
+    ixomep::AppendTag(keyword, xml_names_, tag);
+    out_.Append(tag);
+  }
+
+  void WriteObject(const ElementView& element) {
     out_.Append('<');
     WriteTag(element.KeywordBytes());
     if (const ValueView value = element.Value()) {
@@ -145,14 +178,6 @@ class Writer {
       WriteValue(value);
       out_.Append('"');
     }
-    if (const ixomep::Document* const records = element.Records()) {
-      WriteAttributes(*records, element);
-    } else {
-      WriteAttributes(element);
-    }
-  }
-
-  void WriteAttributes(const ElementView& element) {
     written_.Clear();
     const std::int32_t count = element.AttrCount();
     for (std::int32_t i = 0; i < count; ++i) {
@@ -163,33 +188,49 @@ class Writer {
   }
 
   // Names in records have numbers, and none has several lines.
-  void WriteAttributes(const ixomep::Document& records, const ElementView& element) {
-    const std::int32_t count = element.AttrCount();
-    if (count == 0) return;
-    if (!numbered_ || records_ != &records) {
-      numbered_.emplace(records.Names(), xml_names_);
-      records_ = &records;
+  void WriteRecord(const ixomep::Document& records, const ixomep::ElementRecord& element) {
+    ixomep::XmlNumberedNames& names = NamesOf(records);
+    out_.AppendPadded(names.Of(NamePart::Tag, element.keyword));
+    if (const ValueView value(records, element.literal); value) {
+      out_.Literal(" val=\"");
+      WriteValue(value);
+      out_.Append('"');
     }
-    numbered_->Begin();
-    for (std::int32_t i = 0; i < count; ++i) {
-      const AttributeView attribute = element.Attr(i);
-      std::string_view name;
-      if (numbered_->Insert(attribute.NameNumber(), name)) WriteAttribute(attribute, name);
+    names.Begin();
+    for (std::uint32_t i = 0; i < element.attribute_count; ++i) {
+      const ixomep::AttributeRecord& attribute = records.Attribute(element.first_attribute + i);
+      std::uint32_t number = attribute.name;
+      if (names.Insert(number)) WriteAttribute(records, names, attribute, number);
     }
   }
 
-  void WriteTag(std::string_view keyword) {
-    if (xml_names_ && keyword == ";") return out_.Literal("statement");
-    while (!keyword.empty()) {
-      const std::size_t count = std::min(keyword.size(), ixomep::XmlBuffer::kBlockSize);
-      char* tag = out_.Room(count);
-      for (const char byte : keyword.substr(0, count)) {
-        const bool is_upper = byte >= 'A' && byte <= 'Z';
-        const char lower = static_cast<char>(byte + (is_upper ? 32 : 0));
-        *tag++ = byte == '_' ? '-' : lower;
-      }
-      out_.Advance(tag);
-      keyword.remove_prefix(count);
+  ixomep::XmlNumberedNames& NamesOf(const ixomep::Document& records) {
+    if (records_ != &records) {
+      numbered_.emplace(records.Names(), xml_names_);
+      records_ = &records;
+    }
+    return *numbered_;
+  }
+
+  void WriteAttribute(const ixomep::Document& records, ixomep::XmlNumberedNames& names,
+                      const ixomep::AttributeRecord& attribute, std::uint32_t number) {
+    if (attribute.modifier != ixomep::NameTable::kNoName) {
+      out_.AppendPadded(names.Of(NamePart::Modifier, number));
+      out_.Append(records.Names().View(attribute.modifier));
+      out_.Append('"');
+    }
+    const ValueView value(records, attribute.literal);
+    if (attribute.literal.Kind() == LiteralKind::Body) {
+      String room;
+      out_.AppendPadded(names.Of(NamePart::Value, number));
+      WriteEscaped(BodyView(records, attribute.literal.at).Text(room));
+      out_.Append('"');
+    } else if (IsDefined(value)) {
+      out_.AppendPadded(names.Of(NamePart::Value, number));
+      WriteValue(value);
+      out_.Append('"');
+    } else {
+      out_.AppendPadded(names.Of(NamePart::Option, number));
     }
   }
 
@@ -232,18 +273,22 @@ class Writer {
     if (!is_ascii_itself_) return WriteMadeValue(value);
     switch (value.Kind()) {
       case LiteralKind::String:
-        return WriteEscaped(value.Source());
+        if (out_.AppendEscaped(value.Source(), value.TextEnd())) return;
+        return WriteForeign(value.Source());
       case LiteralKind::Escaped:
         if (value.Source().size() > kPiece) return WriteMadeValue(value);
         {
           char* const end = ixomep::Unescape(value.Source(), piece_.data());
-          return WriteEscaped({piece_.data(), static_cast<std::size_t>(end - piece_.data())});
+          const std::string_view text(piece_.data(), static_cast<std::size_t>(end - piece_.data()));
+          if (out_.AppendEscaped(text, piece_.data() + piece_.size())) return;
+          return WriteForeign(text);
         }
       case LiteralKind::Integer:
         // Zeros in front, and a sign of zero, get lost.
         if (value.Source()[value.Source().front() == '-'] == '0') return WriteMadeValue(value);
         return out_.Append(value.Source());
       case LiteralKind::Measure:
+        if (IsWrittenAsItStands(value.Source())) return out_.Append(value.Source());
         return WriteMeasure(ixomep::NumberOfPlainMeasure(value.Source()));
       case LiteralKind::Time:
         return WriteTime(ixomep::NumberOfPlainMeasure(value.Source()));
@@ -294,6 +339,11 @@ class Writer {
 
   void WriteEscaped(std::string_view text) {
     if (is_ascii_itself_ && out_.AppendEscaped(text)) return;
+    WriteForeign(text);
+  }
+
+  // A text that is not ASCII.
+  void WriteForeign(std::string_view text) {
     out_.Append(IxoSGMLString::XMLStr(String(text), references_).view());
   }
 

@@ -107,7 +107,7 @@ class DocumentScanner {
   const char* FindQuote(const char* at) const noexcept {
     for (; at < block_end_; at += ByteBlock::kSize) {
       const ByteBlock block(at);
-      const ByteBlock::Mask hits = block.Is('"') | block.Is('\\');
+      const ByteBlock::Mask hits = block.IsAny<'"', '\\'>();
       if (hits != 0) return at + ByteBlock::First(hits);
     }
     while (at != end_ && *at != '"' && *at != '\\') ++at;

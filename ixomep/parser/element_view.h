@@ -49,6 +49,11 @@ class ValueView {
     return document_->Text().view().substr(literal_->at, literal_->size);
   }
 
+  // The end of the definition text that Source is a part of.
+  const char* TextEnd() const noexcept {
+    return document_->Text().c_str() + document_->Text().Len();
+  }
+
  private:
   const IxoMepValue* made_ = nullptr;
   const Document* document_ = nullptr;
@@ -95,8 +100,6 @@ class AttributeView {
   const String& Modifier() const;
   std::string_view NameBytes() const noexcept;
   std::string_view ModifierBytes() const noexcept;
-  // The number of the name in the document's table, of records only.
-  std::uint32_t NameNumber() const noexcept { return record_->name; }
   // Null, none, when there is none.
   IxoMepParser* Body() const;
   BodyView BodyPlace() const noexcept;
@@ -121,6 +124,7 @@ class ElementView {
   explicit operator bool() const noexcept { return made_ != nullptr || record_ != nullptr; }
   bool IsRecord() const noexcept { return record_ != nullptr; }
   const Document* Records() const noexcept { return record_ != nullptr ? document_ : nullptr; }
+  const ElementRecord& Record() const noexcept { return *record_; }
   const String& Keyword() const;
   std::string_view KeywordBytes() const noexcept;
   std::int32_t StartOffset() const noexcept;

@@ -48,10 +48,21 @@ class XmlBuffer {
     Copy(Room(text.size()), text);
     at_ += text.size();
   }
+  // The same for a text behind whose start at least kPadding bytes may be read.
+  static constexpr std::size_t kPadding = 32;
+  void AppendPadded(std::string_view text) {
+    if (text.size() > kPadding) return Append(text);
+    std::memcpy(Room(kPadding), text.data(), kPadding);
+    at_ += text.size();
+  }
   void Blanks(std::size_t count);
   // Escaped for an attribute value. False, and nothing written, when a byte of the text is not
-  // ASCII: what becomes of those is the host's to say.
-  bool AppendEscaped(std::string_view ascii);
+  // ASCII: what becomes of those is the host's to say. Bytes behind the text may be read up to
+  // `readable_end`.
+  bool AppendEscaped(std::string_view ascii, const char* readable_end);
+  bool AppendEscaped(std::string_view ascii) {
+    return AppendEscaped(ascii, ascii.data() + ascii.size());
+  }
 
   void Flush();
 
@@ -79,7 +90,7 @@ class XmlBuffer {
     }
   }
   void AppendLong(std::string_view text);
-  bool AppendEscapedPiece(std::string_view ascii);
+  bool AppendEscapedPiece(std::string_view ascii, const char* readable_end);
 
   String& out_;
   std::unique_ptr<char[]> block_;
