@@ -63,15 +63,21 @@ void ReserveFor(std::int32_t text_length, String& xml) {
   xml.Reserve(static_cast<std::int32_t>(usual));
 }
 
-// Whether the export text of a plain measure is the measure as it stands: centimetres without zeros
-// that do not count, far from where a real number becomes inexact.
-bool IsWrittenAsItStands(std::string_view measure) noexcept {
-  if (!measure.ends_with("cm")) return false;
-  measure.remove_suffix(2);
-  const std::size_t point = std::min(measure.find('.'), measure.size());
-  const std::size_t places = measure.size() - point;  // the point counts
-  const bool is_whole = measure.front() >= '1' && point <= 5;
-  return is_whole && (places == 0 || (places <= 3 && measure.back() != '0'));
+// Whether a decimal number is written as it stands: a few digits, none of them a zero that does not
+// count, far from where a real number becomes inexact.
+bool IsDecimalAsItStands(std::string_view decimal, std::size_t most_places) noexcept {
+  constexpr std::size_t kMostDigits = 5;
+  std::size_t digits = 0;
+  while (digits < decimal.size() && decimal[digits] >= '0' && decimal[digits] <= '9') ++digits;
+  if (digits == 0 || digits > kMostDigits || (decimal.front() == '0' && digits > 1)) return false;
+  if (digits == decimal.size()) return true;
+  return decimal.size() - digits - 1 <= most_places && decimal.back() != '0';
+}
+
+// The same for a plain measure: centimetres, and no zero before the point.
+bool IsMeasureAsItStands(std::string_view measure) noexcept {
+  return measure[measure.size() - 2] == 'c' && measure.front() != '0' &&
+         IsDecimalAsItStands(measure.substr(0, measure.size() - 2), 2);
 }
 
 // The export texts of expressions that are compiled when they are asked for. Those met lately are
@@ -287,8 +293,11 @@ class Writer {
         // Zeros in front, and a sign of zero, get lost.
         if (value.Source()[value.Source().front() == '-'] == '0') return WriteMadeValue(value);
         return out_.Append(value.Source());
+      case LiteralKind::Real:
+        if (IsDecimalAsItStands(value.Source(), 4)) return out_.Append(value.Source());
+        return WriteMadeValue(value);
       case LiteralKind::Measure:
-        if (IsWrittenAsItStands(value.Source())) return out_.Append(value.Source());
+        if (IsMeasureAsItStands(value.Source())) return out_.Append(value.Source());
         return WriteMeasure(ixomep::NumberOfPlainMeasure(value.Source()));
       case LiteralKind::Time:
         return WriteTime(ixomep::NumberOfPlainMeasure(value.Source()));

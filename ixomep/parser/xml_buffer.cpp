@@ -63,17 +63,35 @@ bool IsAscii(std::string_view text) noexcept {
 }  // namespace
 
 void XmlBuffer::Flush() {
-  const auto written = static_cast<std::size_t>(at_ - block_.get());
-  at_ = block_.get();
-  if (written != 0) out_.Append({block_.get(), written});
+  const auto written = static_cast<std::size_t>(at_ - start_);
+  if (block_ == nullptr) {
+    StringTail::Take(out_, written);
+    start_ = at_;
+    return;
+  }
+  at_ = start_;
+  if (written != 0) out_.Append({start_, written});
+}
+
+void XmlBuffer::NextBlock() {
+  Flush();
+  if (block_ != nullptr) return;
+  block_ = std::make_unique_for_overwrite<char[]>(kBlockSize);
+  start_ = at_ = block_.get();
+  end_ = at_ + kBlockSize;
 }
 
 void XmlBuffer::AppendLong(std::string_view text) {
-  Flush();
+  if (static_cast<std::size_t>(end_ - at_) >= text.size()) {
+    std::memcpy(at_, text.data(), text.size());
+    at_ += text.size();
+    return;
+  }
+  NextBlock();
   out_.Append(text);
 }
 
-void XmlBuffer::Blanks(std::size_t count) {
+void XmlBuffer::ManyBlanks(std::size_t count) {
   while (count > 0) {
     const std::size_t step = std::min(count, kBlockSize);
     std::memset(Room(step), ' ', step);
