@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "ixomep/host/host.h"
+#include "ixomep/host/large_blocks.h"
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/host/res_id.h"
 #include "ixomep/host/sanitizer.h"
@@ -73,6 +75,7 @@ class ShortBlocks {
  public:
   // Null when the memory cannot be had.
   static void* New(std::size_t bytes) noexcept {
+    if (bytes >= ixomep::LargeBlocks::kFrom) return ixomep::LargeBlocks::New(bytes);
     const std::size_t size = SizeClass(bytes);
     if (size >= kSizes) return ::operator new(bytes, std::nothrow);
     if (kept_[size] == nullptr) return ::operator new((size + 1) * kStep, std::nothrow);
@@ -80,6 +83,7 @@ class ShortBlocks {
     return std::exchange(kept_[size], kept_[size]->next);
   }
   static void Delete(void* block, std::size_t bytes) noexcept {
+    if (bytes >= ixomep::LargeBlocks::kFrom) return std::free(block);
     const std::size_t size = SizeClass(bytes);
     if (size >= kSizes || counts_[size] == kMost) return ::operator delete(block);
     ++counts_[size];

@@ -18,6 +18,10 @@
 
 class ResId;
 
+namespace ixomep {
+class StringTail;
+}
+
 // Positions count bytes from 0. Functions that lengthen a text throw std::length_error past
 // kMaxLength and std::bad_alloc when the memory cannot be had or passes the memory budget; the
 // text is then unchanged. Both stay inside the library.
@@ -147,6 +151,8 @@ class IXOMEP_API String {
   }
 
  private:
+  friend class ixomep::StringTail;
+
   // The head of a text's storage; the bytes and their terminating zero follow it directly.
   struct Rep {
     std::int32_t owners;  // kForever: static, or shared too often to count; never freed

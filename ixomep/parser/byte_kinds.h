@@ -70,4 +70,15 @@ constexpr const char* SkipQuick(const char* at, unsigned classes) noexcept {
   return at;
 }
 
+inline constexpr std::size_t kExactDigits = 9;  // a 32-bit number for certain
+
+// The length of the unit at the position: 0 for none, -1 for letters that are none.
+constexpr int UnitLength(const char* at) noexcept {
+  if (!IsQuick(at[0], kQuickLower)) return 0;
+  if (!IsQuick(at[1], kQuickLower)) return at[0] == 'm' || at[0] == 's' ? 1 : -1;
+  if (IsQuick(at[2], kQuickLower)) return -1;
+  const bool is_unit = at[1] == 'm' ? at[0] == 'c' || at[0] == 'm' : at[0] == 'p' && at[1] == 't';
+  return is_unit ? 2 : -1;
+}
+
 }  // namespace ixomep

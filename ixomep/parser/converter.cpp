@@ -35,6 +35,7 @@ using ixomep::BodyView;
 using ixomep::ElementView;
 using ixomep::LiteralKind;
 using ixomep::ValueView;
+using NamePart = ixomep::XmlNumberedNames::Part;
 
 constexpr const char* kContext = "IxoMepConverter";
 constexpr std::string_view kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
@@ -61,6 +62,23 @@ void ReserveFor(std::int32_t text_length, String& xml) {
   const std::int64_t usual = std::min<std::int64_t>(length + length / 2, String::kMaxLength);
   if (!ixomep::MemoryBudget::MayTake(static_cast<std::size_t>(4 * usual))) return;
   xml.Reserve(static_cast<std::int32_t>(usual));
+}
+
+// Whether a decimal number is written as it stands: a few digits, none of them a zero that does not
+// count, far from where a real number becomes inexact.
+bool IsDecimalAsItStands(std::string_view decimal, std::size_t most_places) noexcept {
+  constexpr std::size_t kMostDigits = 5;
+  std::size_t digits = 0;
+  while (digits < decimal.size() && decimal[digits] >= '0' && decimal[digits] <= '9') ++digits;
+  if (digits == 0 || digits > kMostDigits || (decimal.front() == '0' && digits > 1)) return false;
+  if (digits == decimal.size()) return true;
+  return decimal.size() - digits - 1 <= most_places && decimal.back() != '0';
+}
+
+// The same for a plain measure: centimetres, and no zero before the point.
+bool IsMeasureAsItStands(std::string_view measure) noexcept {
+  return measure[measure.size() - 2] == 'c' && measure.front() != '0' &&
+         IsDecimalAsItStands(measure.substr(0, measure.size() - 2), 2);
 }
 
 // The export texts of expressions that are compiled when they are asked for. Those met lately are
@@ -106,6 +124,8 @@ class Writer {
     BodyView body;
     std::int32_t next = 0;
     std::string_view keyword = {};  // of the element that has the body
+    const ixomep::Document* records = nullptr;  // of an element that is a record,
+    std::uint32_t number = 0;                   // and the number of its keyword
   };
 
   void Step() {
@@ -114,23 +134,37 @@ class Writer {
     if (level.next == level.body.Count()) return Leave();
     const ElementView element = level.body.Enter(level.next++);
     if (!element) ixomep::MemoryBudget::Refuse();
-    WriteStart(element);
-    if (const BodyView body = element.BodyPlace()) {
+    WriteIndent();
+    Level inner;
+    if (const ixomep::Document* const records = element.Records()) {
+      WriteRecord(*records, element.Record());
+      inner.records = records;
+      inner.number = element.Record().keyword;
+    } else {
+      WriteObject(element);
+      inner.keyword = element.KeywordBytes();
+    }
+    inner.body = element.BodyPlace();
+    if (inner.body) {
       out_.Literal(">\n");
-      levels_.push_back({body, 0, element.KeywordBytes()});
+      levels_.push_back(inner);
     } else {
       out_.Literal(" />\n");
     }
   }
 
   void Leave() {
-    levels_.back().body.LeaveAtLast();
-    const std::string_view keyword = levels_.back().keyword;
+    const Level left = levels_.back();
+    left.body.LeaveAtLast();
     levels_.pop_back();
     if (levels_.empty()) return;
     WriteIndent();
     out_.Literal("</");
-    WriteTag(keyword);
+    if (left.records != nullptr) {
+      out_.AppendPadded(NamesOf(*left.records).Of(NamePart::Tag, left.number).substr(1));
+    } else {
+      WriteTag(left.keyword);
+    }
     out_.Literal(">\n");
   }
 
@@ -138,8 +172,13 @@ class Writer {
     if (levels_.size() > 1) out_.Blanks(kIndent * (levels_.size() - 1));
   }
 
-  void WriteStart(const ElementView& element) {
-    WriteIndent();
+  void WriteTag(std::string_view keyword) {
+    std::string tag;
+    ixomep::AppendTag(keyword, xml_names_, tag);
+    out_.Append(tag);
+  }
+
+  void WriteObject(const ElementView& element) {
     out_.Append('<');
     WriteTag(element.KeywordBytes());
     if (const ValueView value = element.Value()) {
@@ -147,14 +186,6 @@ class Writer {
       WriteValue(value);
       out_.Append('"');
     }
-    if (const ixomep::Document* const records = element.Records()) {
-      WriteAttributes(*records, element);
-    } else {
-      WriteAttributes(element);
-    }
-  }
-
-  void WriteAttributes(const ElementView& element) {
     written_.Clear();
     const std::int32_t count = element.AttrCount();
     for (std::int32_t i = 0; i < count; ++i) {
@@ -165,33 +196,49 @@ class Writer {
   }
 
   // Names in records have numbers, and none has several lines.
-  void WriteAttributes(const ixomep::Document& records, const ElementView& element) {
-    const std::int32_t count = element.AttrCount();
-    if (count == 0) return;
-    if (!numbered_ || records_ != &records) {
-      numbered_.emplace(records.Names(), xml_names_);
-      records_ = &records;
+  void WriteRecord(const ixomep::Document& records, const ixomep::ElementRecord& element) {
+    ixomep::XmlNumberedNames& names = NamesOf(records);
+    out_.AppendPadded(names.Of(NamePart::Tag, element.keyword));
+    if (const ValueView value(records, element.literal); value) {
+      out_.Literal(" val=\"");
+      WriteValue(value);
+      out_.Append('"');
     }
-    numbered_->Begin();
-    for (std::int32_t i = 0; i < count; ++i) {
-      const AttributeView attribute = element.Attr(i);
-      std::string_view name;
-      if (numbered_->Insert(attribute.NameNumber(), name)) WriteAttribute(attribute, name);
+    names.Begin();
+    for (std::uint32_t i = 0; i < element.attribute_count; ++i) {
+      const ixomep::AttributeRecord& attribute = records.Attribute(element.first_attribute + i);
+      std::uint32_t number = attribute.name;
+      if (names.Insert(number)) WriteAttribute(records, names, attribute, number);
     }
   }
 
-  void WriteTag(std::string_view keyword) {
-    if (xml_names_ && keyword == ";") return out_.Literal("statement");
-    while (!keyword.empty()) {
-      const std::size_t count = std::min(keyword.size(), ixomep::XmlBuffer::kBlockSize);
-      char* tag = out_.Room(count);
-      for (const char byte : keyword.substr(0, count)) {
-        const bool is_upper = byte >= 'A' && byte <= 'Z';
-        const char lower = static_cast<char>(byte + (is_upper ? 32 : 0));
-        *tag++ = byte == '_' ? '-' : lower;
-      }
-      out_.Advance(tag);
-      keyword.remove_prefix(count);
+  ixomep::XmlNumberedNames& NamesOf(const ixomep::Document& records) {
+    if (records_ != &records) {
+      numbered_.emplace(records.Names(), xml_names_);
+      records_ = &records;
+    }
+    return *numbered_;
+  }
+
+  void WriteAttribute(const ixomep::Document& records, ixomep::XmlNumberedNames& names,
+                      const ixomep::AttributeRecord& attribute, std::uint32_t number) {
+    if (attribute.modifier != ixomep::NameTable::kNoName) {
+      out_.AppendPadded(names.Of(NamePart::Modifier, number));
+      out_.Append(records.Names().View(attribute.modifier));
+      out_.Append('"');
+    }
+    const ValueView value(records, attribute.literal);
+    if (attribute.literal.Kind() == LiteralKind::Body) {
+      String room;
+      out_.AppendPadded(names.Of(NamePart::Value, number));
+      WriteEscaped(BodyView(records, attribute.literal.at).Text(room));
+      out_.Append('"');
+    } else if (IsDefined(value)) {
+      out_.AppendPadded(names.Of(NamePart::Value, number));
+      WriteValue(value);
+      out_.Append('"');
+    } else {
+      out_.AppendPadded(names.Of(NamePart::Option, number));
     }
   }
 
@@ -234,18 +281,25 @@ class Writer {
     if (!is_ascii_itself_) return WriteMadeValue(value);
     switch (value.Kind()) {
       case LiteralKind::String:
-        return WriteEscaped(value.Source());
+        if (out_.AppendEscaped(value.Source(), value.TextEnd())) return;
+        return WriteForeign(value.Source());
       case LiteralKind::Escaped:
         if (value.Source().size() > kPiece) return WriteMadeValue(value);
         {
           char* const end = ixomep::Unescape(value.Source(), piece_.data());
-          return WriteEscaped({piece_.data(), static_cast<std::size_t>(end - piece_.data())});
+          const std::string_view text(piece_.data(), static_cast<std::size_t>(end - piece_.data()));
+          if (out_.AppendEscaped(text, piece_.data() + piece_.size())) return;
+          return WriteForeign(text);
         }
       case LiteralKind::Integer:
         // Zeros in front, and a sign of zero, get lost.
         if (value.Source()[value.Source().front() == '-'] == '0') return WriteMadeValue(value);
         return out_.Append(value.Source());
+      case LiteralKind::Real:
+        if (IsDecimalAsItStands(value.Source(), 4)) return out_.Append(value.Source());
+        return WriteMadeValue(value);
       case LiteralKind::Measure:
+        if (IsMeasureAsItStands(value.Source())) return out_.Append(value.Source());
         return WriteMeasure(ixomep::NumberOfPlainMeasure(value.Source()));
       case LiteralKind::Time:
         return WriteTime(ixomep::NumberOfPlainMeasure(value.Source()));
@@ -296,6 +350,11 @@ class Writer {
 
   void WriteEscaped(std::string_view text) {
     if (is_ascii_itself_ && out_.AppendEscaped(text)) return;
+    WriteForeign(text);
+  }
+
+  // A text that is not ASCII.
+  void WriteForeign(std::string_view text) {
     out_.Append(IxoSGMLString::XMLStr(String(text), references_).view());
   }
 

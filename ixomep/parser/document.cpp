@@ -26,17 +26,6 @@ Document::Document(const String& text, std::uint32_t start, std::int32_t first_l
       names_(text_.view()),
       lines_offset_(start) {}
 
-std::uint32_t Document::FindAttribute(const ElementRecord& element,
-                                      std::string_view name) const noexcept {
-  const std::uint32_t number = names_.Find(name);
-  if (number == NameTable::kUnknown) return kNoRecord;
-  const std::uint32_t end = element.first_attribute + element.attribute_count;
-  for (std::uint32_t i = element.first_attribute; i < end; ++i) {
-    if (attributes_[i].name == number) return i;
-  }
-  return kNoRecord;
-}
-
 std::uint32_t Document::CountedLines(std::uint32_t offset) const {
   const std::string_view text = text_.view();
   if (line_marks_.IsEmpty()) {

@@ -33,6 +33,7 @@ enum class LiteralKind : std::uint8_t {
   Integer,  // a sign and up to nine digits
   Measure,  // a decimal number with a unit of length
   Time,     // the same with that of time
+  Real,     // digits, a point and digits
   Number,   // any other number, measure or time
   Source,   // of an expression that needs variables: it is compiled when it is asked for
   Made,     // `at` is an index into the values that were made when the text was read, `size` how
@@ -120,7 +121,12 @@ class Document {
   void LeaveAtLast(std::uint32_t index) const noexcept { bodies_[index].is_left_at_last = true; }
   const NameTable& Names() const noexcept { return names_; }
   // The first attribute of that name; kNoRecord when there is none.
-  std::uint32_t FindAttribute(const ElementRecord& element, std::string_view name) const noexcept;
+  std::uint32_t FindAttribute(const ElementRecord& element, std::string_view name) const noexcept {
+    return FindAttribute(element, names_.Find(name));
+  }
+  std::uint32_t FindAttribute(const ElementRecord& element, const String& name) const noexcept {
+    return FindAttribute(element, names_.Find(name));
+  }
   // The line of an offset. Cheap for offsets that are asked in order.
   std::int32_t LineAt(std::uint32_t offset) const;
 
@@ -136,6 +142,13 @@ class Document {
  private:
   friend class DocumentScanner;
 
+  std::uint32_t FindAttribute(const ElementRecord& element, std::uint32_t name) const noexcept {
+    const std::uint32_t end = element.first_attribute + element.attribute_count;
+    for (std::uint32_t i = element.first_attribute; i < end; ++i) {
+      if (attributes_[i].name == name) return i;
+    }
+    return kNoRecord;
+  }
   std::unique_ptr<IxoMepElement> MakeObject(std::uint32_t index, IxoMepParser* parser,
                                             std::int32_t offset) const;
   // `start` is the element's.

@@ -1,9 +1,6 @@
 // The quick reading: literals. A literal is checked and its place noted; its value is read from
 // the text again when it is asked for. Only what must be compiled is made at once: that is the
 // check. See document_scanner.h.
-#include <bit>
-#include <cstring>
-
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/parser/byte_kinds.h"
 #include "ixomep/parser/document_scanner.h"
@@ -12,40 +9,8 @@
 namespace ixomep {
 namespace {
 
-constexpr std::size_t kExactDigits = 9;  // a 32-bit number for certain
 constexpr std::size_t kMostFraction = 15;
 constexpr std::size_t kSharedSource = 40;  // longer ones seldom repeat
-
-// Bytes of the word that are zero have their highest bit set in the result, the lowest of them
-// for certain.
-constexpr std::uint64_t ZeroBytes(std::uint64_t word) noexcept {
-  return (word - 0x0101010101010101u) & ~word & 0x8080808080808080u;
-}
-
-// The first quote or backslash from a position on; `end` when there is none.
-const char* FindQuote(const char* at, const char* end) noexcept {
-  if constexpr (std::endian::native == std::endian::little) {
-    constexpr std::uint64_t kQuotes = 0x2222222222222222u;
-    constexpr std::uint64_t kBackslashes = 0x5C5C5C5C5C5C5C5Cu;
-    for (; end - at >= 8; at += 8) {
-      std::uint64_t word;
-      std::memcpy(&word, at, sizeof word);
-      const std::uint64_t hits = ZeroBytes(word ^ kQuotes) | ZeroBytes(word ^ kBackslashes);
-      if (hits != 0) return at + std::countr_zero(hits) / 8;
-    }
-  }
-  while (at != end && *at != '"' && *at != '\\') ++at;
-  return at;
-}
-
-// The length of the unit at the position: 0 for none, -1 for letters that are none.
-int UnitLength(const char* at) noexcept {
-  if (!IsQuick(at[0], kQuickLower)) return 0;
-  if (!IsQuick(at[1], kQuickLower)) return at[0] == 'm' || at[0] == 's' ? 1 : -1;
-  if (IsQuick(at[2], kQuickLower)) return -1;
-  const bool is_unit = at[1] == 'm' ? at[0] == 'c' || at[0] == 'm' : at[0] == 'p' && at[1] == 't';
-  return is_unit ? 2 : -1;
-}
 
 // Whether evaluating the tree without variables ends at once with an unknown variable: operators
 // evaluate their left operand, or the only one, first.
@@ -95,34 +60,6 @@ constexpr char CloserOf(char opener) noexcept {
 
 }  // namespace
 
-bool DocumentScanner::ReadLiteral(LiteralRecord& literal, std::uint32_t start) {
-  switch (*at_) {
-    case '"':
-      return ReadString(literal);
-    case '(':
-    case '{':
-      return ReadExpression(literal, start);
-    default:
-      return ReadNumber(literal);
-  }
-}
-
-bool DocumentScanner::ReadString(LiteralRecord& literal) {
-  const char* const first = at_ + 1;
-  LiteralKind kind = LiteralKind::String;
-  const char* end = FindQuote(first, end_);
-  while (*end == '\\') {
-    kind = LiteralKind::Escaped;
-    if (end_ - end < 2) return false;
-    end = FindQuote(end + 2, end_);
-  }
-  const auto size = static_cast<std::size_t>(end - first);
-  if (end == end_ || size > LiteralRecord::kMostBytes) return false;
-  literal.Set(kind, OffsetOf(first), size);
-  at_ = end + 1;
-  return true;
-}
-
 bool DocumentScanner::ReadNumber(LiteralRecord& literal) {
   const char* const start = at_;
   const char* const digits = *start == '-' ? start + 1 : start;
@@ -135,12 +72,12 @@ bool DocumentScanner::ReadNumber(LiteralRecord& literal) {
     end = SkipQuick(fraction, kQuickDigit);
     const auto places = static_cast<std::size_t>(end - fraction);
     if (places == 0 || places > kMostFraction) return ReadRareNumber(literal);
-    kind = LiteralKind::Number;
+    kind = LiteralKind::Real;
   }
   const int unit = UnitLength(end);
   if (unit != 0) kind = *end == 's' ? LiteralKind::Time : LiteralKind::Measure;
   at_ = end + unit;
-  if (unit < 0 || !EndsHere()) {
+  if (unit < 0 || !EndsAt(at_)) {
     at_ = start;
     return ReadRareNumber(literal);
   }
@@ -175,7 +112,7 @@ bool DocumentScanner::BracketEnd(const char*& end, bool& is_simple) {
     switch (*at) {
       case '"':
         is_simple = false;
-        for (at = FindQuote(at + 1, end_); *at == '\\'; at = FindQuote(at + 2, end_)) {
+        for (at = FindQuote(at + 1); *at == '\\'; at = FindQuote(at + 2)) {
           if (end_ - at < 2) return false;
         }
         if (at == end_) return false;

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "ixomep/host/limit_watch.h"
+#include "ixomep/parser/byte_block.h"
+#include "ixomep/parser/byte_kinds.h"
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/folded.h"
 #include "ixomep/parser/name_table.h"
@@ -54,15 +56,41 @@ class DocumentScanner {
     bool is_attribute = false;  // an attribute's body
   };
 
+  enum class Form : std::uint8_t { None, Option, Attribute, Element, BareElement };
+  // What followed an item when it was met last.
+  struct Follower {
+    std::uint32_t at;   // of the white space before it
+    std::uint8_t size;  // up to its value, where it has one
+    std::uint8_t gap;   // of the white space
+    Form form;
+    bool starts_line;
+    std::uint32_t name;
+    std::uint32_t modifier;
+  };
+  // Items by what they are known for: a brace, or the name with a number.
+  static constexpr std::uint32_t kAfterCloser = 0;
+  static constexpr std::uint32_t kAfterOpener = 1;
+  static constexpr std::uint32_t kAfterName = 1;
+
   bool Scan();
+  void ReadFollowers();
+  bool MayFollow(const Follower& follower) const noexcept;
+  void Learn(Form form, const char* end, std::uint32_t name, std::uint32_t modifier);
+  void AddElement(const ElementRecord& element);
   bool ReadElement();
   bool ReadAttribute();
   bool ReadAttributeValue(AttributeRecord& attribute);
+  // The number of the name at the position, all of whose bytes are of a class.
+  std::uint32_t ReadName(unsigned classes);
   // `start` is the element's.
   bool ReadLiteral(LiteralRecord& literal, std::uint32_t start);
-  bool ReadString(LiteralRecord& literal);
   bool ReadNumber(LiteralRecord& literal);
   bool ReadRareNumber(LiteralRecord& literal);
+  // These move `at` behind the literal that stands there; false, and nothing is moved, when there
+  // is none.
+  bool ReadString(const char*& at, LiteralRecord& literal) const noexcept;
+  bool ReadPlainNumber(const char*& at, LiteralRecord& literal) const noexcept;
+  bool ReadPlainLiteral(const char*& at, LiteralRecord& literal) const noexcept;
   bool ReadExpression(LiteralRecord& literal, std::uint32_t start);
   bool AddLoose();
   bool TryStatement(bool& done);
@@ -76,8 +104,22 @@ class DocumentScanner {
   bool IsAtStatementStart() const noexcept;
   // Whether a statement stands at the position; end is its ";", kNoRecord for none.
   bool FindStatement(std::uint32_t& end);
-  bool OpensArray() const noexcept;
-  bool EndsHere() const noexcept;
+  // The first quote or backslash from a position on; the end of the text when there is none.
+  const char* FindQuote(const char* at) const noexcept {
+    for (; at < block_end_; at += ByteBlock::kSize) {
+      const ByteBlock block(at);
+      const ByteBlock::Mask hits = block.IsAny<'"', '\\'>();
+      if (hits != 0) return at + ByteBlock::First(hits);
+    }
+    while (at != end_ && *at != '"' && *at != '\\') ++at;
+    return at;
+  }
+  static bool HasValue(const char* end) noexcept;
+  static bool OpensArray(const char* at) noexcept;
+  // Whether an item may end at a position.
+  bool EndsAt(const char* at) const noexcept {
+    return IsQuick(*at, kQuickWhite) || (*at == '}' && !outer_.empty()) || at == end_;
+  }
   bool BracketEnd(const char*& end, bool& is_simple);
   bool Compile(std::string_view source, std::uint32_t at, bool is_literal, bool is_shared,
                std::uint32_t& index);
@@ -90,7 +132,8 @@ class DocumentScanner {
   Document& document_;
   const char* text_;
   const char* at_;
-  const char* end_;  // a zero byte stands there
+  const char* end_;        // a zero byte stands there
+  const char* block_end_;  // before it a block may be read at once
   Frame frame_;
   std::vector<Frame> outer_;
   RecordArray<ElementRecord> pending_elements_;
@@ -100,6 +143,10 @@ class DocumentScanner {
   std::vector<std::uint32_t> made_of_source_;
   std::vector<char> brackets_;
   LongWork work_;
+
+  RecordArray<Follower> followers_;  // by the item before
+  std::uint32_t last_ = kAfterCloser;
+  const char* item_ = nullptr;  // the white space before the item that is being read
 
   // Where the last item ended, and whether a statement could start there without a line feed.
   const char* gap_ = nullptr;

@@ -4,6 +4,7 @@
 // text or a body's parser may throw std::bad_alloc.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -47,11 +48,10 @@ class ValueView {
   std::string_view Source() const noexcept {
     return document_->Text().view().substr(literal_->at, literal_->size);
   }
-  // The text of a string literal without escapes, as it stands; false for any other value.
-  bool GetPlainText(std::string_view& text) const noexcept {
-    if (literal_ == nullptr || literal_->Kind() != LiteralKind::String) return false;
-    text = Source();
-    return true;
+
+  // The end of the definition text that Source is a part of.
+  const char* TextEnd() const noexcept {
+    return document_->Text().c_str() + document_->Text().Len();
   }
 
  private:
@@ -100,8 +100,6 @@ class AttributeView {
   const String& Modifier() const;
   std::string_view NameBytes() const noexcept;
   std::string_view ModifierBytes() const noexcept;
-  // The number of the name in the document's table, of records only.
-  std::uint32_t NameNumber() const noexcept { return record_->name; }
   // Null, none, when there is none.
   IxoMepParser* Body() const;
   BodyView BodyPlace() const noexcept;
@@ -126,6 +124,7 @@ class ElementView {
   explicit operator bool() const noexcept { return made_ != nullptr || record_ != nullptr; }
   bool IsRecord() const noexcept { return record_ != nullptr; }
   const Document* Records() const noexcept { return record_ != nullptr ? document_ : nullptr; }
+  const ElementRecord& Record() const noexcept { return *record_; }
   const String& Keyword() const;
   std::string_view KeywordBytes() const noexcept;
   std::int32_t StartOffset() const noexcept;
@@ -137,7 +136,8 @@ class ElementView {
   std::int32_t AttrCount() const noexcept;
   // None when the position is out of range; when there is no such attribute.
   AttributeView Attr(std::int32_t position) const noexcept;
-  AttributeView FindAttr(std::string_view name) const noexcept;
+  template <class Name>
+  AttributeView FindAttr(const Name& name) const noexcept;
 
  private:
   const IxoMepElement* made_ = nullptr;
@@ -148,6 +148,35 @@ class ElementView {
 
 inline bool IsValue(const LiteralRecord& literal) noexcept {
   return literal.Kind() != LiteralKind::None && literal.Kind() != LiteralKind::Body;
+}
+
+// The types of the values of literals, by kind; kOpenType for one that has to be read, or
+// evaluated, to tell.
+inline constexpr auto kOpenType = static_cast<IxoMepValueType>(-1);
+inline constexpr std::array<IxoMepValueType, 16> kLiteralTypes = [] {
+  std::array<IxoMepValueType, 16> types{};
+  types.fill(kOpenType);
+  const auto set = [&types](LiteralKind kind, IxoMepValueType type) {
+    types[static_cast<std::size_t>(kind)] = type;
+  };
+  set(LiteralKind::None, IxoMepValueType::Undefined);
+  set(LiteralKind::Body, IxoMepValueType::Undefined);
+  set(LiteralKind::String, IxoMepValueType::String);
+  set(LiteralKind::Escaped, IxoMepValueType::String);
+  set(LiteralKind::Integer, IxoMepValueType::Integer);
+  set(LiteralKind::Real, IxoMepValueType::Real);
+  set(LiteralKind::Measure, IxoMepValueType::Measure);
+  set(LiteralKind::Time, IxoMepValueType::Time);
+  set(LiteralKind::Source, IxoMepValueType::Expression);
+  return types;
+}();
+
+// False when the literal alone does not tell.
+inline bool GetLiteralType(const LiteralRecord& literal, IxoMepValueType& type) noexcept {
+  const IxoMepValueType found = kLiteralTypes[literal.kind];
+  if (found == kOpenType) return false;
+  type = found;
+  return true;
 }
 
 inline ValueView::ValueView(const Document& document, const LiteralRecord& literal) noexcept {
@@ -165,26 +194,7 @@ inline bool ValueView::GetType(IxoMepValueType& type) const noexcept {
     type = made_ != nullptr ? made_->GetType() : IxoMepValueType::Undefined;
     return true;
   }
-  switch (literal_->Kind()) {
-    case LiteralKind::String:
-    case LiteralKind::Escaped:
-      type = IxoMepValueType::String;
-      return true;
-    case LiteralKind::Integer:
-      type = IxoMepValueType::Integer;
-      return true;
-    case LiteralKind::Measure:
-      type = IxoMepValueType::Measure;
-      return true;
-    case LiteralKind::Time:
-      type = IxoMepValueType::Time;
-      return true;
-    case LiteralKind::Source:
-      type = IxoMepValueType::Expression;
-      return true;
-    default:
-      return false;
-  }
+  return GetLiteralType(*literal_, type);
 }
 
 inline const String& AttributeView::Name() const {
@@ -292,7 +302,9 @@ inline AttributeView ElementView::Attr(std::int32_t position) const noexcept {
           document_->Attribute(record_->first_attribute + static_cast<std::uint32_t>(position))};
 }
 
-inline AttributeView ElementView::FindAttr(std::string_view name) const noexcept {
+// A String or a view.
+template <class Name>
+AttributeView ElementView::FindAttr(const Name& name) const noexcept {
   if (made_ != nullptr) return AttributeView(made_->FindAttr(name));
   const std::uint32_t index = document_->FindAttribute(*record_, name);
   if (index == kNoRecord) return {};
@@ -309,8 +321,30 @@ inline ixomep::ElementView IxoMepParser::ViewAt(std::int32_t index) const noexce
   return {*records_, first_record_ + static_cast<std::uint32_t>(index), /*is_loose=*/false};
 }
 
+// A current element that is no object is a record, and the loose attributes of a body are the record
+// before its first one.
 inline ixomep::ElementView IxoMepParser::CurrentView() const noexcept {
   if (current_ != nullptr) return ixomep::ElementView(current_);
-  if (current_index_ >= 0) return ViewAt(current_index_);
-  return {*records_, first_record_ - 1, /*is_loose=*/true};
+  return {*records_, first_record_ + static_cast<std::uint32_t>(current_index_),
+          /*is_loose=*/current_index_ < 0};
+}
+
+inline const ixomep::ElementRecord* IxoMepParser::CurrentRecord() const noexcept {
+  if (current_ != nullptr) return nullptr;
+  return &records_->Element(first_record_ + static_cast<std::uint32_t>(current_index_));
+}
+
+inline const ixomep::AttributeRecord* IxoMepParser::CurrentAttribute(
+    std::int32_t pos) const noexcept {
+  const ixomep::ElementRecord* const element = CurrentRecord();
+  const auto at = static_cast<std::uint32_t>(pos);
+  if (element == nullptr || at >= element->attribute_count) return nullptr;
+  return &records_->Attribute(element->first_attribute + at);
+}
+
+inline const ixomep::LiteralRecord* IxoMepParser::NamedLiteral(const String& name) const noexcept {
+  const ixomep::ElementRecord* const element = CurrentRecord();
+  if (element == nullptr) return nullptr;
+  const std::uint32_t index = records_->FindAttribute(*element, name);
+  return index != ixomep::kNoRecord ? &records_->Attribute(index).literal : nullptr;
 }

@@ -2,8 +2,11 @@
 // here, numbers and times in literal_number.cpp, brackets and braces in literal_expression.cpp.
 #include "ixomep/parser/literal_reader.h"
 
+#include <array>
+#include <cstring>
 #include <exception>
 
+#include "ixomep/parser/byte_block.h"
 #include "ixomep/parser/bytes.h"
 #include "ixomep/values/raise.h"
 #include "ixomep/values/value_rep.h"
@@ -72,13 +75,29 @@ ValuePtr ReadTimeOrNumber(const LiteralText& text, std::size_t& position, Litera
 }  // namespace
 
 char* Unescape(std::string_view content, char* out) noexcept {
-  for (std::size_t i = 0; i < content.size(); ++i) {
-    *out++ = content[i] == '\\' ? Unescaped(content[++i]) : content[i];
+  const char* in = content.data();
+  const char* const end = in + content.size();
+  // Whole words as they are, up to the backslash in them. Nothing is written behind what was read.
+  while (end - in >= std::ptrdiff_t{WordBlock::kSize}) {
+    const WordBlock::Mask hits = WordBlock(in).Is('\\');
+    std::memcpy(out, in, WordBlock::kSize);
+    const std::size_t plain = hits != 0 ? WordBlock::First(hits) : WordBlock::kSize;
+    in += plain;
+    out += plain;
+    if (hits == 0) continue;
+    *out++ = Unescaped(in[1]);
+    in += 2;
   }
+  for (; in != end; ++in) *out++ = *in == '\\' ? Unescaped(*++in) : *in;
   return out;
 }
 
 String Unescape(std::string_view content) {
+  std::array<char, 512> piece;
+  if (content.size() <= piece.size()) {
+    const char* const end = Unescape(content, piece.data());
+    return String(std::string_view(piece.data(), static_cast<std::size_t>(end - piece.data())));
+  }
   String text(content);
   char* const bytes = text.MutableText();
   text.Resize(static_cast<std::int32_t>(Unescape(content, bytes) - bytes));

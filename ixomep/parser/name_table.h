@@ -3,13 +3,14 @@
 // a name is made when it is first asked for, once for all uses.
 #pragma once
 
-#include <bit>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <vector>
 
 #include "ixomep/host/string.h"
+#include "ixomep/parser/byte_block.h"
 #include "ixomep/parser/record_array.h"
 
 namespace ixomep {
@@ -21,21 +22,41 @@ class NameTable {
 
   explicit NameTable(std::string_view text);
 
-  // The number of a name that stands in the text and is not empty. kUnknown when too many names
-  // fall together, which only happens to texts that are made for it. Throws std::bad_alloc.
-  std::uint32_t Add(std::uint32_t at, std::uint32_t size) {
-    const Key key = KeyOf(text_ + at, size, text_size_ - at);
+  // What most names are told apart by. Says all of a name of at most sixteen bytes.
+  struct Key {
+    std::uint64_t head;  // the first eight bytes
+    std::uint64_t tail;  // the bytes behind them; the last eight of a longer name
+    std::uint32_t size;
+  };
+  static constexpr std::uint32_t kShort = 16;
+  // Of a name of at most that many bytes; all of them may be read, whatever its length.
+  static Key ShortKey(const char* name, std::uint32_t size) noexcept {
+    const HeadMask& mask = kHeadMasks[size];
+    return {LoadWord(name) & mask.head, LoadWord(name + 8) & mask.tail, size};
+  }
+  // The bytes of a word that belong to a stretch of up to eight.
+  static std::uint64_t HeadOf(std::uint32_t size) noexcept { return kHeadMasks[size].head; }
+  // The number of a short name; kNoName when it has none, or one that is not quickly found.
+  std::uint32_t FindShort(const Key& key) const noexcept {
     std::uint32_t slot = SlotOf(key);
-    for (std::uint32_t probes = 0; probes < kMostProbes; ++probes) {
+    for (std::uint32_t probes = 0; probes < kQuickProbes; ++probes) {
       const std::uint32_t number = slots_[slot];
-      if (number == kNoName) return Insert(slot, key, at);
-      if (Matches(entries_[number], key, text_ + at)) return number;
+      if (number == kNoName || IsLike(entries_[number], key)) return number;
       slot = (slot + 1) & mask_;
     }
-    return kUnknown;
+    return kNoName;
   }
+
+  // The number of a name that stands in the text and is not empty. kUnknown when too many names
+  // fall together, which only happens to texts that are made for it. Throws std::bad_alloc.
+  std::uint32_t Add(std::uint32_t at, std::uint32_t size);
   // The number of a name; kUnknown when the text has no such name.
   std::uint32_t Find(std::string_view name) const noexcept;
+  // The same; a text that Text or KnownText gave last is known by its storage.
+  std::uint32_t Find(const String& name) const noexcept {
+    const bool is_last = last_asked_ < texts_.size() && texts_[last_asked_].SharesTextWith(name);
+    return is_last ? last_asked_ : Find(name.view());
+  }
 
   std::uint32_t Count() const noexcept { return entries_.Size(); }
   std::string_view View(std::uint32_t number) const noexcept {
@@ -43,64 +64,65 @@ class NameTable {
   }
   // Throws std::bad_alloc.
   const String& Text(std::uint32_t number) const {
-    if (number >= texts_.size()) texts_.resize(entries_.Size());
-    String& text = texts_[number];
-    if (text.IsEmpty() && number != kNoName) text = String(View(number));
-    return text;
+    const String* const text = KnownText(number);
+    return text != nullptr ? *text : MakeText(number);
+  }
+  // Null when the text has not been made yet.
+  const String* KnownText(std::uint32_t number) const noexcept {
+    if (number >= texts_.size() || texts_[number].IsEmpty()) return nullptr;
+    last_asked_ = number;
+    return &texts_[number];
   }
 
  private:
   static constexpr std::uint32_t kMostProbes = 64;
+  static constexpr std::uint32_t kQuickProbes = 4;
 
-  // What most names are told apart by: their length and first eight bytes.
-  struct Key {
-    std::uint64_t head;
-    std::uint64_t tail;  // the last eight bytes of a longer name
-    std::uint32_t size;
-  };
   struct Entry {
     std::uint64_t head;
+    std::uint64_t tail;
     std::uint32_t at;
     std::uint32_t size;
   };
+  // The bytes that belong to a name of a length.
+  struct HeadMask {
+    std::uint64_t head;
+    std::uint64_t tail;
+  };
+  static constexpr std::array<HeadMask, kShort + 1> kHeadMasks = [] {
+    std::array<HeadMask, kShort + 1> masks{};
+    for (std::size_t size = 1; size <= kShort; ++size) {
+      masks[size] = masks[size - 1];
+      std::uint64_t& word = size <= 8 ? masks[size].head : masks[size].tail;
+      word = word << 8 | 0xFF;
+    }
+    return masks;
+  }();
 
-  static std::uint64_t Load(const char* bytes) noexcept {
-    std::uint64_t word;
-    std::memcpy(&word, bytes, sizeof word);
-    return word;
-  }
-  // `room` bytes may be read.
-  static Key KeyOf(const char* name, std::uint32_t size, std::size_t room) noexcept {
-    if (size > 8) return {Load(name), Load(name + size - 8), size};
-    if (size == 8) return {Load(name), 0, size};
-    if (room >= 8 && std::endian::native == std::endian::little) {
-      return {Load(name) & ((std::uint64_t{1} << (8 * size)) - 1), 0, size};
-    }
-    std::uint64_t head = 0;
-    for (std::uint32_t i = 0; i < size; ++i) {
-      head |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
-    }
-    return {head, 0, size};
-  }
+  static Key KeyOf(std::string_view name) noexcept;
   std::uint32_t SlotOf(const Key& key) const noexcept {
     // Names often differ in their last byte only, and a product carries upwards: fold first.
     std::uint64_t hash = ((key.head ^ key.size) * 0x9E3779B97F4A7C15u) ^ key.tail;
     hash = (hash ^ (hash >> 32)) * 0xD6E8FEB86659FD93u;
     return static_cast<std::uint32_t>(hash >> 40) & mask_;
   }
-  bool Matches(const Entry& entry, const Key& key, const char* name) const noexcept {
-    if (entry.head != key.head || entry.size != key.size) return false;
-    return key.size <= 8 || std::memcmp(text_ + entry.at + 8, name + 8, key.size - 8) == 0;
+  static bool IsLike(const Entry& entry, const Key& key) noexcept {
+    return ((entry.head ^ key.head) | (entry.tail ^ key.tail) | (entry.size ^ key.size)) == 0;
   }
+  bool Matches(const Entry& entry, const Key& key, const char* name) const noexcept {
+    if (!IsLike(entry, key)) return false;
+    return key.size <= kShort || std::memcmp(text_ + entry.at + 8, name + 8, key.size - 16) == 0;
+  }
+  const String& MakeText(std::uint32_t number) const;
   std::uint32_t Insert(std::uint32_t slot, const Key& key, std::uint32_t at);
   void Widen();
 
   const char* text_;
-  std::size_t text_size_;
   std::uint32_t mask_ = 0;
   RecordArray<std::uint32_t> slots_;  // numbers; kNoName: free
   RecordArray<Entry> entries_;        // by number; the first is the empty name
   mutable std::vector<String> texts_;
+  mutable std::uint32_t last_asked_ = kNoName;
 };
 
 }  // namespace ixomep

@@ -28,8 +28,11 @@ class Document;
 class ElementView;
 class Splices;
 class ValueView;
+struct AttributeRecord;
 struct BodyRecord;
+struct ElementRecord;
 struct FoldedLiteral;
+struct LiteralRecord;
 struct TextPlace;
 }  // namespace ixomep
 
@@ -242,6 +245,11 @@ class IXOMEP_API IxoMepParser {
   // An element, made or not; none when out of range.
   ixomep::ElementView ViewAt(std::int32_t index) const noexcept;
   ixomep::ElementView CurrentView() const noexcept;
+  // The current element, and one of its attributes, while they are records; null otherwise, and for
+  // a position out of range.
+  const ixomep::ElementRecord* CurrentRecord() const noexcept;
+  const ixomep::AttributeRecord* CurrentAttribute(std::int32_t pos) const noexcept;
+  const ixomep::LiteralRecord* NamedLiteral(const String& name) const noexcept;
   // The stored value of the current element, of its attribute with the name or at the position.
   ixomep::ValueView OwnValue() const noexcept;
   ixomep::ValueView NamedValue(const String& name) const noexcept;
@@ -282,6 +290,8 @@ class IXOMEP_API IxoMepParser {
   // The type of the resolved value; undefined, and false, when it is missing.
   bool FindType(const ixomep::ValueView& stored, IxoMepValueType& type) const;
   IxoMepValueType TypeOf(const ixomep::ValueView& stored) const;
+  // The same of a literal that is no object; false when that does not tell.
+  bool FindLiteralType(const ixomep::LiteralRecord& literal, IxoMepValueType& type) const noexcept;
   // The work of ExpectValueType; attribute is its name in the error text, null for the own value.
   IxoMepErrorEnum Expect(const ixomep::ValueView& stored, const String* attribute,
                          IxoMepValueType type, bool allow_missing);

@@ -7,6 +7,7 @@
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 
+using ixomep::AttributeRecord;
 using ixomep::AttributeView;
 using ixomep::ElementView;
 using ixomep::OrNeutral;
@@ -19,6 +20,12 @@ String NameOf(const AttributeView& attribute) noexcept {
 
 String ModifierOf(const AttributeView& attribute) noexcept {
   return OrNeutral(String(), [&] { return attribute ? attribute.Modifier() : String(); });
+}
+
+// The text of a name in records, mostly made before.
+String TextOf(const ixomep::NameTable& names, std::uint32_t number) noexcept {
+  if (const String* const text = names.KnownText(number)) return *text;
+  return OrNeutral(String(), [&] { return names.Text(number); });
 }
 
 template <class View>
@@ -91,6 +98,9 @@ std::int32_t IxoMepParser::GetAttrCount(std::int32_t index) const {
 }
 
 String IxoMepParser::GetAttrNameOfPos(std::int32_t pos) const {
+  if (const AttributeRecord* const record = CurrentAttribute(pos)) {
+    return TextOf(records_->Names(), record->name);
+  }
   return NameOf(CurrentView().Attr(pos));
 }
 
@@ -100,6 +110,10 @@ String IxoMepParser::GetAttrNameOfPos(std::int32_t index, std::int32_t pos) cons
 }
 
 String IxoMepParser::GetModifierOfPos(std::int32_t pos) const {
+  if (const AttributeRecord* const record = CurrentAttribute(pos)) {
+    if (record->modifier == ixomep::NameTable::kNoName) return String();
+    return TextOf(records_->Names(), record->modifier);
+  }
   return ModifierOf(CurrentView().Attr(pos));
 }
 

@@ -20,9 +20,9 @@ constexpr const char* kColor = "color";
 using Components = std::array<const IxoMepAttribute*, 3>;
 
 struct ComponentNames {
-  const char* red;
-  const char* green;
-  const char* blue;
+  std::string_view red;
+  std::string_view green;
+  std::string_view blue;
 };
 constexpr ComponentNames kLongNames = {"red", "green", "blue"};
 constexpr ComponentNames kShortNames = {"r", "g", "b"};

@@ -7,6 +7,7 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/guarded.h"
 #include "ixomep/parser/element_view.h"
+#include "ixomep/parser/literal_reader.h"
 #include "ixomep/parser/parser.h"
 #include "ixomep/parser/query_support.h"
 #include "ixomep/values/raise.h"
@@ -43,12 +44,22 @@ std::int32_t IntegerOfText(const IxoMepValue& value) {
   return ixomep::LeadingInteger(value.GetStr());
 }
 
-// The text of a plain string goes straight from the definition text into the result.
-bool TakePlainText(const ixomep::ValueView& stored, String& out) noexcept {
-  std::string_view text;
-  if (!stored.GetPlainText(text)) return false;
+bool IsText(const ixomep::LiteralRecord& literal) noexcept {
+  return literal.Kind() == ixomep::LiteralKind::String ||
+         literal.Kind() == ixomep::LiteralKind::Escaped;
+}
+
+// The text of a string goes straight from the definition text into the result.
+String TextOf(const ixomep::Document& document, const ixomep::LiteralRecord& literal) {
+  const std::string_view source = document.Text().view().substr(literal.at, literal.size);
+  return literal.Kind() == ixomep::LiteralKind::String ? String(source) : ixomep::Unescape(source);
+}
+
+bool TakeText(const ixomep::Document& document, const ixomep::LiteralRecord& literal,
+              String& out) noexcept {
+  if (!IsText(literal)) return false;
   return ixomep::OrNeutral(false, [&] {
-    out = String(text);
+    out = TextOf(document, literal);
     return true;
   });
 }
@@ -106,13 +117,26 @@ Type IxoMepParser::TypeOf(const ixomep::ValueView& stored) const {
   return type;
 }
 
-IxoMepValueType IxoMepParser::GetValueType() const { return TypeOf(OwnValue()); }
+bool IxoMepParser::FindLiteralType(const ixomep::LiteralRecord& literal,
+                                   Type& type) const noexcept {
+  return ixomep::GetLiteralType(literal, type) && (type != Type::Expression || vars_ == nullptr);
+}
+
+IxoMepValueType IxoMepParser::GetValueType() const {
+  const ixomep::ElementRecord* const record = CurrentRecord();
+  Type type = Type::Undefined;
+  if (record != nullptr && FindLiteralType(record->literal, type)) return type;
+  return TypeOf(OwnValue());
+}
 
 IxoMepValueType IxoMepParser::GetValueType(const String& name) const {
   return TypeOf(NamedValue(name));
 }
 
 IxoMepValueType IxoMepParser::GetValueTypeOfPos(std::int32_t pos) const {
+  const ixomep::AttributeRecord* const record = CurrentAttribute(pos);
+  Type type = Type::Undefined;
+  if (record != nullptr && FindLiteralType(record->literal, type)) return type;
   return TypeOf(ValueAt(pos));
 }
 
@@ -163,22 +187,32 @@ std::unique_ptr<IxoMepValue> IxoMepParser::GetMapValue(const String& name) const
 }
 
 bool IxoMepParser::TryGetStrValue(String& value) const {
-  const ixomep::ValueView stored = OwnValue();
-  return TakePlainText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
+  const ixomep::ElementRecord* const record = CurrentRecord();
+  if (record != nullptr && TakeText(*records_, record->literal, value)) return true;
+  return Read(OwnValue(), value, &IxoMepValue::GetStr);
 }
 
 bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
-  const ixomep::ValueView stored = NamedValue(name);
-  return TakePlainText(stored, value) || Read(stored, value, &IxoMepValue::GetStr);
+  const ixomep::LiteralRecord* const literal = NamedLiteral(name);
+  if (literal != nullptr && TakeText(*records_, *literal, value)) return true;
+  return Read(NamedValue(name), value, &IxoMepValue::GetStr);
 }
 
 String IxoMepParser::GetStrValue() const {
+  const ixomep::ElementRecord* const record = CurrentRecord();
+  if (record != nullptr && IsText(record->literal)) {
+    return ixomep::OrNeutral(String(), [&] { return TextOf(*records_, record->literal); });
+  }
   String value;
   TryGetStrValue(value);
   return value;
 }
 
 String IxoMepParser::GetStrValue(const String& name) const {
+  const ixomep::LiteralRecord* const literal = NamedLiteral(name);
+  if (literal != nullptr && IsText(*literal)) {
+    return ixomep::OrNeutral(String(), [&] { return TextOf(*records_, *literal); });
+  }
   String value;
   TryGetStrValue(name, value);
   return value;

@@ -1,5 +1,4 @@
-// Internal: a growing array of plain records. It moves its block as a whole, so that large ones
-// grow without being copied, and its bytes count in the memory budget.
+// Internal: a growing array of plain records. Its bytes count in the memory budget.
 #pragma once
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "ixomep/host/large_blocks.h"
 #include "ixomep/host/memory_budget.h"
 
 namespace ixomep {
@@ -42,6 +42,13 @@ class RecordArray {
       Grow(1);
     data_[size_++] = record;
   }
+  // The place of the record that comes next: written there, and then counted by PushNext.
+  Record& Next() {
+    if (size_ == capacity_) [[unlikely]]
+      Grow(1);
+    return data_[size_];
+  }
+  void PushNext() noexcept { ++size_; }
   // Appends what stands from an index on in another array, and cuts that array there.
   void TakeTail(RecordArray& other, std::uint32_t from) {
     const std::uint32_t count = other.size_ - from;
@@ -82,7 +89,7 @@ class RecordArray {
     const std::size_t before = std::size_t{capacity_} * sizeof(Record);
     const std::size_t bytes = std::size_t{capacity} * sizeof(Record);
     MemoryBudget::Take(bytes);
-    void* const block = std::realloc(static_cast<void*>(data_), bytes);
+    void* const block = Resized(bytes);
     if (block == nullptr) {
       MemoryBudget::Give(bytes);
       throw std::bad_alloc();
@@ -90,6 +97,18 @@ class RecordArray {
     MemoryBudget::Give(before);
     data_ = static_cast<Record*>(block);
     capacity_ = capacity;
+  }
+
+  // The records in a block of that size; null when it cannot be had.
+  void* Resized(std::size_t bytes) const noexcept {
+    if (bytes < LargeBlocks::kFrom || bytes <= std::size_t{capacity_} * sizeof(Record)) {
+      return std::realloc(static_cast<void*>(data_), bytes);
+    }
+    void* const block = LargeBlocks::New(bytes);
+    if (block == nullptr || data_ == nullptr) return block;
+    std::memcpy(block, static_cast<const void*>(data_), std::size_t{size_} * sizeof(Record));
+    std::free(static_cast<void*>(data_));
+    return block;
   }
 
   Record* data_ = nullptr;

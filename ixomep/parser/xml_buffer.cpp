@@ -5,6 +5,8 @@
 #include <array>
 #include <cstdint>
 
+#include "ixomep/parser/byte_block.h"
+
 namespace ixomep {
 
 namespace {
@@ -12,7 +14,7 @@ namespace {
 constexpr std::size_t kLongestEscape = 6;
 // Text of that length has room in a block whatever it becomes.
 constexpr std::size_t kPiece = 4096;
-static_assert(kPiece * kLongestEscape <= XmlBuffer::kBlockSize);
+static_assert(kPiece * kLongestEscape + ByteBlock::kSize <= XmlBuffer::kBlockSize);
 
 // What becomes of one byte.
 struct Escape {
@@ -24,7 +26,7 @@ struct Escape {
 };
 static_assert(sizeof(Escape) == 8);
 
-constexpr Escape Replaced(std::string_view text) {
+constexpr Escape EscapeOf(std::string_view text) {
   Escape escape{{}, static_cast<unsigned char>(text.size())};
   std::copy(text.begin(), text.end(), escape.text);
   return escape;
@@ -40,22 +42,16 @@ constexpr std::array<Escape, 256> MakeEscapes() {
     std::string_view text;
   } kReplaced[] = {{'&', "&amp;"},   {'<', "&lt;"},  {'>', "&gt;"},   {'"', "&quot;"},
                    {'\'', "&apos;"}, {'\t', "&#9;"}, {'\n', "&#10;"}, {'\r', "&#13;"}};
-  for (const auto& row : kReplaced) escapes[row.byte] = Replaced(row.text);
+  for (const auto& row : kReplaced) escapes[row.byte] = EscapeOf(row.text);
   return escapes;
 }
 
 constexpr auto kEscapes = MakeEscapes();
 
-constexpr std::uint64_t Eight(unsigned char byte) noexcept { return byte * 0x0101010101010101U; }
-
-// Whether all of eight bytes stay as they are. May say no where yes were right (a borrow passes
-// from one byte to the next), which costs time only.
-bool IsPlain(std::uint64_t bytes) noexcept {
-  const std::uint64_t control = bytes - Eight(0x20);
-  const std::uint64_t quote = (bytes ^ Eight('"')) - Eight(1);
-  const std::uint64_t ampersand = ((bytes & Eight(0xFE)) ^ Eight('&')) - Eight(1);  // apostrophe
-  const std::uint64_t angle = ((bytes & Eight(0xFD)) ^ Eight('<')) - Eight(1);      // both
-  return ((bytes | control | quote | ampersand | angle) & Eight(0x80)) == 0;
+// The bytes of a block that do not stay as they are.
+ByteBlock::Mask Replaced(const ByteBlock& block) noexcept {
+  return (block.Between(' ', '\x7F') ^ ByteBlock::kAll) |
+         block.IsAny<'&', '<', '>', '"', '\''>();
 }
 
 bool IsAscii(std::string_view text) noexcept {
@@ -67,17 +63,35 @@ bool IsAscii(std::string_view text) noexcept {
 }  // namespace
 
 void XmlBuffer::Flush() {
-  const auto written = static_cast<std::size_t>(at_ - block_.get());
-  at_ = block_.get();
-  if (written != 0) out_.Append({block_.get(), written});
+  const auto written = static_cast<std::size_t>(at_ - start_);
+  if (block_ == nullptr) {
+    StringTail::Take(out_, written);
+    start_ = at_;
+    return;
+  }
+  at_ = start_;
+  if (written != 0) out_.Append({start_, written});
+}
+
+void XmlBuffer::NextBlock() {
+  Flush();
+  if (block_ != nullptr) return;
+  block_ = std::make_unique_for_overwrite<char[]>(kBlockSize);
+  start_ = at_ = block_.get();
+  end_ = at_ + kBlockSize;
 }
 
 void XmlBuffer::AppendLong(std::string_view text) {
-  Flush();
+  if (static_cast<std::size_t>(end_ - at_) >= text.size()) {
+    std::memcpy(at_, text.data(), text.size());
+    at_ += text.size();
+    return;
+  }
+  NextBlock();
   out_.Append(text);
 }
 
-void XmlBuffer::Blanks(std::size_t count) {
+void XmlBuffer::ManyBlanks(std::size_t count) {
   while (count > 0) {
     const std::size_t step = std::min(count, kBlockSize);
     std::memset(Room(step), ' ', step);
@@ -86,37 +100,39 @@ void XmlBuffer::Blanks(std::size_t count) {
   }
 }
 
-bool XmlBuffer::AppendEscaped(std::string_view ascii) {
-  if (ascii.size() <= kPiece) return AppendEscapedPiece(ascii);
+bool XmlBuffer::AppendEscaped(std::string_view ascii, const char* readable_end) {
+  if (ascii.size() <= kPiece) return AppendEscapedPiece(ascii, readable_end);
   if (!IsAscii(ascii)) return false;
   for (; !ascii.empty(); ascii.remove_prefix(std::min(ascii.size(), kPiece))) {
-    AppendEscapedPiece(ascii.substr(0, kPiece));
+    AppendEscapedPiece(ascii.substr(0, kPiece), readable_end);
   }
   return true;
 }
 
-bool XmlBuffer::AppendEscapedPiece(std::string_view ascii) {
-  char* out = Room(ascii.size() * kLongestEscape + sizeof(Escape));
+bool XmlBuffer::AppendEscapedPiece(std::string_view ascii, const char* readable_end) {
+  char* out = Room(ascii.size() * kLongestEscape + ByteBlock::kSize);
   const char* in = ascii.data();
   const char* const end = in + ascii.size();
   while (in != end) {
-    std::uint64_t eight = 0;
-    if (end - in >= std::ptrdiff_t{sizeof eight}) {
-      std::memcpy(&eight, in, sizeof eight);
-      if (IsPlain(eight)) {
-        std::memcpy(out, &eight, sizeof eight);
-        out += sizeof eight;
-        in += sizeof eight;
-        continue;
-      }
+    // A block at a time as it is, up to the first byte that is replaced. What is written too far is
+    // written over.
+    while (readable_end - in >= std::ptrdiff_t{ByteBlock::kSize}) {
+      const ByteBlock::Mask hits = Replaced(ByteBlock(in));
+      std::memcpy(out, in, ByteBlock::kSize);
+      const std::size_t plain = hits != 0 ? ByteBlock::First(hits) : ByteBlock::kSize;
+      const std::size_t taken = std::min(plain, static_cast<std::size_t>(end - in));
+      in += taken;
+      out += taken;
+      if (in == end || hits != 0) break;
     }
+    if (in == end) break;
     const Escape& escape = kEscapes[static_cast<unsigned char>(*in)];
     if (escape.length == Escape::kItself) {
       *out++ = *in++;
       continue;
     }
     if (escape.length == Escape::kNotAscii) return false;
-    std::memcpy(out, &escape, sizeof escape);  // the bytes behind the text are written over
+    std::memcpy(out, &escape, sizeof escape);
     out += escape.length;
     ++in;
   }

@@ -1,15 +1,17 @@
-// Internal: the growing text that XML is written into. Bytes are collected in a block that stays
-// in the processor's cache and go into the text a block at a time; ASCII values are escaped on
-// their way into the block, without a text of their own.
+// Internal: the growing text that XML is written into. Bytes go straight into the room that the text
+// has; once that is used up they are collected in a block and appended a block at a time. ASCII
+// values are escaped on their way, without a text of their own.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <string_view>
 
 #include "ixomep/host/string.h"
+#include "ixomep/host/string_tail.h"
 
 namespace ixomep {
 
@@ -19,16 +21,17 @@ class XmlBuffer {
   // The most that Room can give.
   static constexpr std::size_t kBlockSize = 32768;
 
-  // Appends to a text that lives as long.
-  explicit XmlBuffer(String& out)
-      : out_(out),
-        block_(std::make_unique_for_overwrite<char[]>(kBlockSize)),
-        at_(block_.get()),
-        end_(block_.get() + kBlockSize) {}
+  // Appends to a text that lives as long, and that nobody else uses until Flush.
+  explicit XmlBuffer(String& out) : out_(out) {
+    const std::span<char> tail = StringTail::Of(out);
+    start_ = at_ = tail.data();
+    end_ = at_ + tail.size();
+  }
 
   // Place for that many bytes, kBlockSize at most; what has been written is told to Advance.
   char* Room(std::size_t size) {
-    if (static_cast<std::size_t>(end_ - at_) < size) Flush();
+    if (static_cast<std::size_t>(end_ - at_) < size) [[unlikely]]
+      NextBlock();
     return at_;
   }
   void Advance(const char* end) noexcept { at_ += end - at_; }
@@ -48,10 +51,25 @@ class XmlBuffer {
     Copy(Room(text.size()), text);
     at_ += text.size();
   }
-  void Blanks(std::size_t count);
+  // The same for a text behind whose start at least kPadding bytes may be read.
+  static constexpr std::size_t kPadding = 32;
+  void AppendPadded(std::string_view text) {
+    if (text.size() > kPadding) return Append(text);
+    std::memcpy(Room(kPadding), text.data(), kPadding);
+    at_ += text.size();
+  }
+  void Blanks(std::size_t count) {
+    if (count > kPadding) return ManyBlanks(count);
+    std::memset(Room(kPadding), ' ', kPadding);
+    at_ += count;
+  }
   // Escaped for an attribute value. False, and nothing written, when a byte of the text is not
-  // ASCII: what becomes of those is the host's to say.
-  bool AppendEscaped(std::string_view ascii);
+  // ASCII: what becomes of those is the host's to say. Bytes behind the text may be read up to
+  // `readable_end`.
+  bool AppendEscaped(std::string_view ascii, const char* readable_end);
+  bool AppendEscaped(std::string_view ascii) {
+    return AppendEscaped(ascii, ascii.data() + ascii.size());
+  }
 
   void Flush();
 
@@ -79,10 +97,13 @@ class XmlBuffer {
     }
   }
   void AppendLong(std::string_view text);
-  bool AppendEscapedPiece(std::string_view ascii);
+  void NextBlock();
+  void ManyBlanks(std::size_t count);
+  bool AppendEscapedPiece(std::string_view ascii, const char* readable_end);
 
   String& out_;
-  std::unique_ptr<char[]> block_;
+  std::unique_ptr<char[]> block_;  // null while the text has room
+  char* start_;                    // of the room that is being filled
   char* at_;
   char* end_;
 };

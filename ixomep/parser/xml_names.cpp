@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "ixomep/host/encodings.h"
+#include "ixomep/parser/xml_buffer.h"
 
 namespace ixomep {
 
@@ -115,7 +116,10 @@ const String& XmlNames::Of(const String& name) {
 }
 
 XmlNumberedNames::XmlNumberedNames(const NameTable& names, bool xml_names)
-    : names_(names), xml_names_(xml_names), written_(names.Count()) {
+    : names_(names),
+      xml_names_(xml_names),
+      written_(names.Count()),
+      pieces_(std::min(names.Count(), kKept) * kParts) {
   if (xml_names) known_.resize(names.Count());
 }
 
@@ -126,6 +130,40 @@ const XmlNumberedNames::Known& XmlNumberedNames::Convert(std::uint32_t number) {
     known.number = numbers_.try_emplace(known.xml_name, number).first->second;
   }
   return known;
+}
+
+std::string_view XmlNumberedNames::Append(Part part, std::uint32_t number) {
+  kept_.resize(kept_size_);
+  const std::string_view name = names_.View(number);
+  if (part == Part::Tag) {
+    kept_ += '<';
+    AppendTag(name, xml_names_, kept_);
+  } else {
+    constexpr std::string_view kBefore[kParts] = {"", " modifier-", " val-", " opt-"};
+    kept_ += kBefore[static_cast<std::size_t>(part)];
+    kept_ += xml_names_ ? Convert(number).xml_name.view() : name;
+    kept_ += part == Part::Option ? "=\"true\"" : "=\"";
+  }
+  const std::size_t size = kept_.size() - kept_size_;
+  kept_.append(XmlBuffer::kPadding + 1, ' ');
+  return {kept_.data() + kept_size_, size};
+}
+
+void XmlNumberedNames::Keep(Part part, std::uint32_t number, Piece& piece) {
+  const std::string_view text = Append(part, number);
+  piece = {static_cast<std::uint32_t>(kept_size_), static_cast<std::uint32_t>(text.size())};
+  kept_size_ += text.size();
+}
+
+void AppendTag(std::string_view keyword, bool xml_names, std::string& out) {
+  if (xml_names && keyword == ";") {
+    out += "statement";
+    return;
+  }
+  for (const char byte : keyword) {
+    const bool is_upper = byte >= 'A' && byte <= 'Z';
+    out += byte == '_' ? '-' : static_cast<char>(byte + (is_upper ? 32 : 0));
+  }
 }
 
 }  // namespace ixomep

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -50,35 +51,50 @@ class XmlNames {
   std::array<Known, 64> known_;
 };
 
-// Both for names that have numbers in a table: what was written is marked at the number, and each
-// name is converted once.
+// Both for names that have numbers in a table: what was written is marked at the number, each name
+// is converted once, and what is written around it is put together once.
 class XmlNumberedNames {
  public:
+  // `<tag`; ` modifier-name="`; ` val-name="`; ` opt-name="true"`.
+  enum class Part : std::uint8_t { Tag, Modifier, Value, Option };
+  static constexpr std::size_t kParts = 4;
+
   XmlNumberedNames(const NameTable& names, bool xml_names);
 
   // Another element begins: none of its names has been written.
   void Begin() noexcept { ++element_; }
-  // The name as it is to be written, borrowed until the next call; false when it is there already.
-  bool Insert(std::uint32_t number, std::string_view& name) {
-    if (xml_names_) {
-      const Known& known = Convert(number);
-      number = known.number;
-      name = known.xml_name.view();
-    } else {
-      name = names_.View(number);
-    }
+  // False when the name is there already. The number becomes that of the first name that is written
+  // like this one.
+  bool Insert(std::uint32_t& number) {
+    if (xml_names_) number = Convert(number).number;
     const bool is_new = written_[number] != element_;
     written_[number] = element_;
     return is_new;
   }
+  // Borrowed until the next call; XmlBuffer::kPadding bytes may be read, also from its second byte.
+  std::string_view Of(Part part, std::uint32_t number) {
+    if (number >= kKept) return Append(part, number);
+    Piece& piece = pieces_[number * kParts + static_cast<std::size_t>(part)];
+    if (piece.size == 0) Keep(part, number, piece);
+    return {kept_.data() + piece.at, piece.size};
+  }
 
  private:
+  static constexpr std::uint32_t kKept = 1024;  // so many names, those met first
+
   struct Known {
     String xml_name;
     std::uint32_t number = NameTable::kNoName;  // the first one with that XML name
   };
+  struct Piece {
+    std::uint32_t at;
+    std::uint32_t size;
+  };
 
   const Known& Convert(std::uint32_t number);
+  // At the end of kept_, with its padding.
+  std::string_view Append(Part part, std::uint32_t number);
+  void Keep(Part part, std::uint32_t number, Piece& piece);
 
   const NameTable& names_;
   bool xml_names_;
@@ -86,6 +102,12 @@ class XmlNumberedNames {
   std::vector<std::uint32_t> written_;  // by number: the last element with the name
   std::vector<Known> known_;
   std::unordered_map<String, std::uint32_t> numbers_;
+  std::vector<Piece> pieces_;
+  std::string kept_;
+  std::size_t kept_size_ = 0;  // what stands behind it goes with the next call
 };
+
+// An element's keyword as a tag: in small letters, with "-" for "_".
+void AppendTag(std::string_view keyword, bool xml_names, std::string& out);
 
 }  // namespace ixomep

@@ -1,0 +1,115 @@
+// Internal: several neighbouring bytes of a text looked at in one step: sixteen where the processor
+// has an instruction set for that which every machine of its kind shares (SSE2), eight in a plain
+// word elsewhere. A question gives a mask with one bit for each byte, in the order of the text.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace ixomep {
+
+// Bytes as a number whose lowest byte is the first one.
+template <class Number>
+Number Load(const char* bytes) noexcept {
+  Number number = 0;
+  if constexpr (std::endian::native == std::endian::little) {
+    std::memcpy(&number, bytes, sizeof number);
+  } else {
+    for (std::size_t i = sizeof number; i-- > 0;) {
+      number = static_cast<Number>(number << 8 | static_cast<unsigned char>(bytes[i]));
+    }
+  }
+  return number;
+}
+inline std::uint64_t LoadWord(const char* bytes) noexcept { return Load<std::uint64_t>(bytes); }
+inline std::uint32_t LoadHalf(const char* bytes) noexcept { return Load<std::uint32_t>(bytes); }
+
+// The byte eight times.
+constexpr std::uint64_t Eightfold(unsigned char byte) noexcept {
+  return byte * 0x0101010101010101u;
+}
+
+// The bytes of a word; the mask has their highest bits. Exact for all bytes.
+class WordBlock {
+ public:
+  using Mask = std::uint64_t;
+  static constexpr std::size_t kSize = 8;
+  static constexpr Mask kAll = Eightfold(0x80);
+
+  // kSize bytes may be read.
+  explicit WordBlock(const char* bytes) noexcept : word_(LoadWord(bytes)) {}
+
+  Mask Is(char byte) const noexcept {
+    const std::uint64_t other = word_ ^ Eightfold(static_cast<unsigned char>(byte));
+    return ~(((other & Eightfold(0x7F)) + Eightfold(0x7F)) | other) & kAll;
+  }
+  template <char... kBytes>
+  Mask IsAny() const noexcept {
+    return (Is(kBytes) | ...);
+  }
+  // Bytes between two that are ASCII.
+  Mask Between(char first, char last) const noexcept {
+    const std::uint64_t low_bits = word_ & Eightfold(0x7F);
+    const auto above = static_cast<unsigned char>(0x7F - last);
+    const auto below = static_cast<unsigned char>(0x80 - first);
+    return ~((low_bits + Eightfold(above)) | word_) & (low_bits + Eightfold(below)) & kAll;
+  }
+  // The place of the first byte in a mask that has one.
+  static std::size_t First(Mask mask) noexcept {
+    return static_cast<std::size_t>(std::countr_zero(mask)) / 8;
+  }
+
+ private:
+  std::uint64_t word_;
+};
+
+#if defined(__SSE2__)
+
+class VectorBlock {
+ public:
+  using Mask = std::uint32_t;
+  static constexpr std::size_t kSize = 16;
+  static constexpr Mask kAll = 0xFFFF;
+
+  explicit VectorBlock(const char* bytes) noexcept
+      : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))) {}
+
+  Mask Is(char byte) const noexcept { return MaskOf(Equal(byte)); }
+  template <char... kBytes>
+  Mask IsAny() const noexcept {
+    __m128i hits = _mm_setzero_si128();
+    ((hits = _mm_or_si128(hits, Equal(kBytes))), ...);
+    return MaskOf(hits);
+  }
+  Mask Between(char first, char last) const noexcept {
+    const __m128i from_first = _mm_sub_epi8(bytes_, _mm_set1_epi8(first));
+    const __m128i length = _mm_set1_epi8(static_cast<char>(last - first));
+    return MaskOf(_mm_cmpeq_epi8(_mm_min_epu8(from_first, length), from_first));
+  }
+  static std::size_t First(Mask mask) noexcept {
+    return static_cast<std::size_t>(std::countr_zero(mask));
+  }
+
+ private:
+  __m128i Equal(char byte) const noexcept { return _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(byte)); }
+  static Mask MaskOf(__m128i bytes) noexcept {
+    return static_cast<Mask>(_mm_movemask_epi8(bytes));
+  }
+
+  __m128i bytes_;
+};
+using ByteBlock = VectorBlock;
+
+#else
+
+using ByteBlock = WordBlock;
+
+#endif
+
+}  // namespace ixomep
