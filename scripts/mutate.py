@@ -2,6 +2,7 @@
 """Changes the library in small ways and looks whether the tests notice.
 
 Usage: mutate.py [--mutants N] [--seed S] [--jobs J] [--work FOLDER] [--folders values,expr,...]
+                 [--only ROWS]
 
 A mutant is a source of ixomep/ with one operator, comparison, constant, condition or statement
 changed. N of them are picked by the seed. Each is compiled alone, without optimisation, linked with
@@ -11,7 +12,13 @@ beginning are left out. Everything happens in a copy of the tree under FOLDER;
 a second run with the same FOLDER and unchanged sources does not build again.
 
 Prints how many were killed (a test failed, or the process died), timed out (killed too: a loop did
-not end), survived, or did not compile, and the survivors; writes all of them to FOLDER/mutants.txt.
+not end), survived, or did not compile, and the survivors; writes all of them to FOLDER/mutants.txt
+as they are judged.
+
+With --only the mutants are not picked: they are those named by the rows of ROWS, a file with rows
+of an earlier mutants.txt (their verdicts are not looked at, and rows may be left out), to try them
+again after tests were added. A row whose line is no longer there is told and left out. The verdicts
+then go to FOLDER/again.txt.
 """
 import argparse
 import json
@@ -37,7 +44,7 @@ PROGRAMS = {
     "parser": ["parser", "values", "builtins", "language"],
 }
 MEASURING = "*Growth.*"  # tests that measure time, which other work on the machine disturbs
-SLOW = 1.0  # seconds of one test in the good run
+SLOW = 1.5  # seconds of one test in the good run
 MEMORY = 6 << 30  # bytes of address space of a test program
 MUTANT_LIBRARY = "libmutant.so"
 
@@ -103,6 +110,28 @@ def all_mutants(tree, folders):
         for path in sorted((tree / "ixomep" / folder).glob("*.cpp")):
             for number, line, what in mutants_of(path):
                 yield path, number, line, what
+
+
+def row_of(tree, mutant):
+    source, number, line, what = mutant
+    return f"{source.relative_to(tree)}:{number + 1}: {what} | {line.strip()}"
+
+
+def named_mutants(tree, choices, rows):
+    """The mutants of the rows. The line may have moved in its file, but not changed."""
+    def without_number(row):
+        return re.sub(r":\d+: ", ": ", row, count=1)
+    by_row = {row_of(tree, choice): choice for choice in choices}
+    by_text = {without_number(row): choice for row, choice in by_row.items()}
+    named = []
+    for row in rows.read_text(encoding="utf-8").splitlines():
+        row = row.split(": ", 1)[-1]
+        found = by_row.get(row) or by_text.get(without_number(row))
+        if found:
+            named.append(found)
+        else:
+            print(f"no longer there: {row}")
+    return named
 
 
 # --- Building and running ----------------------------------------------------------------------------
@@ -256,6 +285,7 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=1)
     parser.add_argument("--work", type=pathlib.Path, default=pathlib.Path(tempfile.gettempdir()) / "ixomep-mutants")
+    parser.add_argument("--only", type=pathlib.Path)
     parser.add_argument("--folders", default=",".join(PROGRAMS))
     arguments = parser.parse_args()
     work = arguments.work.resolve()
@@ -267,8 +297,13 @@ def main():
     print(f"prepared in {prepared - begin:.0f} s; a good run takes {sum(bench.seconds.values()):.1f} s without "
           f"{sum(len(slow) - 1 for slow in bench.slow.values())} slow tests", flush=True)
     choices = list(all_mutants(bench.tree, arguments.folders.split(",")))
-    chosen = random.Random(arguments.seed).sample(choices, min(arguments.mutants, len(choices)))
-    print(f"{len(choices)} mutants are possible, {len(chosen)} are tried with the seed {arguments.seed}", flush=True)
+    if arguments.only:
+        chosen = named_mutants(bench.tree, choices, arguments.only)
+        print(f"{len(chosen)} mutants are tried again", flush=True)
+    else:
+        chosen = random.Random(arguments.seed).sample(choices, min(arguments.mutants, len(choices)))
+        print(f"{len(choices)} mutants are possible, {len(chosen)} are tried with the seed {arguments.seed}",
+              flush=True)
 
     free = [work / f"worker{i}" for i in range(arguments.jobs)]
 
@@ -279,16 +314,15 @@ def main():
         finally:
             free.append(folder)
 
-    counts, told = {}, []
-    with ThreadPoolExecutor(arguments.jobs) as pool:
+    counts = {}
+    table = work / ("again.txt" if arguments.only else "mutants.txt")
+    with ThreadPoolExecutor(arguments.jobs) as pool, table.open("w", encoding="utf-8") as told:
         for mutant, verdict in zip(chosen, pool.map(judged, chosen)):
-            source, number, _, what = mutant
             counts[verdict] = counts.get(verdict, 0) + 1
-            row = f"{verdict}: {source.relative_to(bench.tree)}:{number + 1}: {what}"
-            told.append(row)
+            row = f"{verdict}: {row_of(bench.tree, mutant)}"
+            print(row, file=told, flush=True)
             if verdict == "survived":
                 print(row, flush=True)
-    (work / "mutants.txt").write_text("\n".join(told) + "\n", encoding="utf-8")
     seconds = time.monotonic() - prepared
     caught = counts.get("killed", 0) + counts.get("timeout", 0)
     tried = len(chosen) - counts.get("does not compile", 0)
