@@ -8,7 +8,8 @@ A mutant is a source of ixomep/ with one operator, comparison, constant, conditi
 changed. N of them are picked by the seed. Each is compiled alone, without optimisation, linked with
 the other objects into a shared library, and the test programs of its folder run on that library, the
 tests of its own file first, until one fails. Tests that take longer than SLOW in the good run at the
-beginning are left out. Everything happens in a copy of the tree under FOLDER;
+beginning are left out; that the others pass without these, and those of a file alone, is checked
+before the first mutant. Everything happens in a copy of the tree under FOLDER;
 a second run with the same FOLDER and unchanged sources does not build again.
 
 Prints how many were killed (a test failed, or the process died), timed out (killed too: a loop did
@@ -250,6 +251,18 @@ class Bench:
         suites = set(re.findall(r"^(?:TEST|TEST_F|TEST_P)\((\w+),", own.read_text(encoding="utf-8"), re.M))
         return ":".join(f"{s}.*:*/{s}.*" for s in sorted(suites))
 
+    def runs_of(self, source):
+        """The programs, and which of their tests, in the order in which they look at a mutant."""
+        programs = PROGRAMS[source.parent.name]
+        names = self.tests_of(source)
+        return ([(programs[0], names)] if names else []) + [(program, "") for program in programs]
+
+    def check_good_runs(self, sources):
+        """A test that needs the ones before it would kill every mutant."""
+        for program, names in sorted({run for source in sources for run in self.runs_of(source)}):
+            if self.test(program, self.work, names, 30 + 10 * self.seconds[program]) != "survived":
+                sys.exit(f"{program} fails without a mutant when only a part of its tests runs: {names or '*'}")
+
     def judge(self, mutant, folder):
         """Compiles, links and tests one mutant in a folder of its own."""
         source, number, line, _ = mutant
@@ -269,10 +282,7 @@ class Bench:
         if subprocess.run([*command, "-w"], cwd=self.build, capture_output=True, check=False).returncode:
             return "does not compile"
         self.link_library(folder / MUTANT_LIBRARY, {source: made})
-        programs = PROGRAMS[source.parent.name]
-        names = self.tests_of(source)
-        first = [(programs[0], names)] if names else []
-        for program, chosen in first + [(p, "") for p in programs]:
+        for program, chosen in self.runs_of(source):
             verdict = self.test(program, folder, chosen, 3 + 4 * self.seconds[program])
             if verdict != "survived":
                 return verdict
@@ -305,6 +315,7 @@ def main():
         print(f"{len(choices)} mutants are possible, {len(chosen)} are tried with the seed {arguments.seed}",
               flush=True)
 
+    bench.check_good_runs({mutant[0] for mutant in chosen})
     free = [work / f"worker{i}" for i in range(arguments.jobs)]
 
     def judged(mutant):
