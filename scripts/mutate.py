@@ -23,6 +23,7 @@ then go to FOLDER/again.txt.
 """
 import argparse
 import json
+import math
 import os
 import pathlib
 import random
@@ -30,6 +31,7 @@ import re
 import resource
 import shlex
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -45,7 +47,7 @@ PROGRAMS = {
     "parser": ["parser", "values", "builtins", "language"],
 }
 MEASURING = "*Growth.*"  # tests that measure time, which other work on the machine disturbs
-SLOW = 1.5  # seconds of one test in the good run
+SLOW = 1.5  # seconds of the processor for one test in the good run
 MEMORY = 6 << 30  # bytes of address space of a test program
 MUTANT_LIBRARY = "libmutant.so"
 
@@ -200,14 +202,20 @@ class Bench:
         report = self.work / f"{program}.json"
         command = [self.work / program, "--gtest_brief=1", f"--gtest_filter=-{MEASURING}",
                    f"--gtest_output=json:{report}"]
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
         done = subprocess.run(command, cwd=self.tree, capture_output=True, text=True, check=False,
                               env={**os.environ, "LD_LIBRARY_PATH": str(self.work)})
         if done.returncode != 0:
             sys.exit(f"{program} fails without a mutant\n{done.stdout[-2000:]}")
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        used = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+        results = json.loads(report.read_text(encoding="utf-8"))
+        # Seconds of the processor, whatever else the machine does.
+        share = used / max(float(results["time"].removesuffix("s")), 0.001)
         self.seconds[program], self.slow[program] = 0.0, [MEASURING]
-        for suite in json.loads(report.read_text(encoding="utf-8"))["testsuites"]:
+        for suite in results["testsuites"]:
             for test in suite["testsuite"]:
-                seconds = float(test["time"].removesuffix("s"))
+                seconds = float(test["time"].removesuffix("s")) * share
                 if seconds > SLOW:
                     self.slow[program].append(f"{suite['name']}.{test['name']}")
                 else:
@@ -229,17 +237,20 @@ class Bench:
                   "-lpcre2-8", "-lnettle"])
 
     def test(self, program, folder, names, seconds):
-        """Runs a program on the library in the folder."""
+        """Runs a program on the library in the folder, for so many seconds of the processor."""
         def limit():
             resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+            resource.setrlimit(resource.RLIMIT_CPU, (math.ceil(seconds),) * 2)
         command = [str(self.work / program), "--gtest_brief=1", "--gtest_fail_fast"]
         command.append(f"--gtest_filter={names or '*'}-{':'.join(self.slow[program])}")
         try:
-            done = subprocess.run(command, cwd=self.tree, preexec_fn=limit, timeout=seconds, check=False,
+            done = subprocess.run(command, cwd=self.tree, preexec_fn=limit, timeout=20 * seconds, check=False,
                                   env={**os.environ, "LD_LIBRARY_PATH": str(folder)},
                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         except subprocess.TimeoutExpired:
+            return "timeout"
+        if done.returncode in (-signal.SIGXCPU, -signal.SIGKILL):
             return "timeout"
         return "survived" if done.returncode == 0 else "killed"
 

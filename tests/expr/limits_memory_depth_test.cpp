@@ -74,10 +74,11 @@ TEST(LimitsOfMemory, What_was_held_is_given_back_and_the_engine_works_again) {
       EXPECT_EQ(Eval("LEN (\"x\" * 1000)", &scope).Shown(), "integer 1000");
     }
   };
-  exceed_all();  // fills the free lists
+  exceed_all();
   const std::size_t before = MemoryBudget::InUse();
   exceed_all();
-  EXPECT_LE(MemoryBudget::InUse(), before + 200000);
+  // Less than one of the texts holds, more than what varies: how full the free lists are.
+  EXPECT_LE(MemoryBudget::InUse(), before + 1000000);
 }
 
 TEST(LimitsOfMemory, Without_a_limit_of_the_host_the_codes_are_those_of_the_functions) {
