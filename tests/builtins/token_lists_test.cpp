@@ -4,7 +4,10 @@
 
 #include <string>
 
+#include "ixomep/expr/expression_parser.h"
+#include "ixomep/values/value_rep.h"
 #include "tests/support/call_checks.h"
+#include "tests/support/test_host.h"
 
 namespace ixomep::test {
 namespace {
@@ -224,6 +227,29 @@ TEST(ValArray, Token_that_cannot_be_read_is_undefined) {
   CheckAll(session, {{"valarray(\"1 x 2\")", "array {1, (undefined), 2}"},
                      {"valarray(\"1,,2\", \",\")", "array {1, (undefined), 2}"},
                      {"valarray(\"5km\")", "array {(undefined)}"}});
+}
+
+// A token that cannot be had is no token that cannot be read.
+TEST(ValArray, Without_memory_for_a_value_fails_with_37) {
+  String tokens = "1 \"" + std::string(20000, 'x') + "\" nonsense 2";
+  IxoMepValueSet scope;
+  scope.OldSetValue("s", IxoMepValue(tokens), true);
+  IxoMepExpressionParser parser;
+  String text;
+  ASSERT_EQ(parser.SetExpression("valarray(s)", text), IMEPERR_NONE);
+  int refused = 0;
+  for (std::size_t bytes = 0; bytes < 120000; bytes += 500) {
+    const ScopedMemoryLimit limit(bytes);
+    IxoMepValue* slot = nullptr;
+    const IxoMepErrorEnum code = parser.Evaluate(&scope, slot, text, false, false);
+    const ValuePtr array(slot);
+    if (code != IMEPERR_NONE) {
+      ++refused;
+    } else {
+      EXPECT_EQ(ValueAccess::Element(*array, 1).GetType(), IxoMepValueType::String) << bytes;
+    }
+  }
+  EXPECT_GT(refused, 0);
 }
 
 }  // namespace
