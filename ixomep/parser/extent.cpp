@@ -104,7 +104,7 @@ const Extents::Pair& Extents::PairAt(std::size_t open, std::size_t end, std::siz
   }
   // Questions mostly come in order: try the last answer and its neighbour first.
   const auto at = Narrow(open);
-  if (last_found_ < pairs_.size() && pairs_[last_found_].open == at) return pairs_[last_found_];
+  if (pairs_[last_found_].open == at) return pairs_[last_found_];
   if (last_found_ + 1 < pairs_.size() && pairs_[last_found_ + 1].open == at) {
     return pairs_[++last_found_];
   }

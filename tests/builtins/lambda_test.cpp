@@ -75,7 +75,8 @@ TEST(Lambda, Definition_inside_another_is_not_given_the_outer_name) {
   Session session;
   CheckAll(session, {{"g := lambda(x, x * 2), h := cond(1, lambda(x, g(x) + 1), 0), "
                       "g := lambda(x, 0), h(5)",
-                      "integer 11"}});
+                      "integer 11"},
+                     {"h := 5, h := cond(1, lambda(x, h + x), 0), h(1)", "integer 6"}});
 }
 
 }  // namespace

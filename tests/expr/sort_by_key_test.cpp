@@ -99,6 +99,39 @@ TEST(SortByKey, Keys_of_several_types_or_failing_ones_end_as_by_exchanges) {
   ExpectSameAsExchanges("{3, 1, 2}", "x + z < y + z");
 }
 
+// Knows one function, less(a, b), and counts its calls.
+class CountingLess : public IxoMepExpressionParser {
+ public:
+  IxoMepErrorEnum EvaluateFunctionCall(const IxoMepExprNode* call, IxoMepValueSet* scope,
+                                       const String& name, IxoMepValue*& result, String& text,
+                                       bool strict) const override {
+    if (name != "less") return IMEPERR_UNKNOWN_FUNCTION;
+    ++calls;
+    IxoMepValue* a = nullptr;
+    IxoMepValue* b = nullptr;
+    const IxoMepErrorEnum code = call->GetParamResults(this, scope, a, b, text, strict);
+    const ValuePtr first(a), second(b);
+    if (code == IMEPERR_NONE) IxoMepValue::Assign(result, *a < *b);
+    return code;
+  }
+  mutable int calls = 0;
+};
+
+TEST(SortByKey, Exchanges_end_with_the_first_pass_that_makes_none) {
+  struct {
+    const char* array;
+    int calls;
+  } const rows[] = {{"{1, 2, 3, 4, 5}", 4}, {"{2, 1, 3, 4, 5}", 8}, {"{2, 3, 4, 5, 1}", 20}};
+  for (const auto& row : rows) {
+    CountingLess parser;
+    IxoMepValueSet scope;
+    const std::string text = std::string("v := ") + row.array +
+                             ", v.sort(lambda(x, y, less(x, y))), STR v[0] + STR v[4]";
+    EXPECT_EQ(EvalWith(parser, text, &scope).Shown(), "string \"15\"");
+    EXPECT_EQ(parser.calls, row.calls) << row.array;
+  }
+}
+
 TEST(SortByKey, Takes_n_log_n_time) {
   const std::string fill = "v := {}, for(i, 1, 50000){aappend(v, i * 7919 MOD 50021)}, ";
   const std::clock_t start = std::clock();

@@ -12,6 +12,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ixomep/host/memory_budget.h"
@@ -111,11 +112,35 @@ TEST(TextIndex, Gives_its_memory_back) {
     AskOften(map);
     EXPECT_GE(MemoryBudget::InUse(), without + 50 * 16);
     ValueAccess::EraseKey(map, Text("key7"));
-    EXPECT_LT(MemoryBudget::InUse(), without + 50 * 16);
+    const std::size_t dropped = MemoryBudget::InUse();
+    EXPECT_LT(dropped, without + 50 * 16);
     AskOften(map);
+    EXPECT_GE(MemoryBudget::InUse(), dropped + 50 * 16);
   }
   // Freed blocks of values stay with the library, those of the index do not.
   EXPECT_LT(MemoryBudget::InUse(), before + 50 * 200);
+}
+
+TEST(TextIndex, Reads_the_bytes_of_a_key_and_none_beside_it) {
+  for (std::size_t length = 1; length <= 26; ++length) {
+    const std::string key(length, 'k');
+    IxoMepValue map(IxoMepValueType::Map);
+    Put(map, key, 1);
+    for (int i = 0; i < 20; ++i) Put(map, "other" + std::to_string(i), 0);
+    TextIndex index;
+    while (!index.IsReady(ValueAccess::Entries(map))) {
+    }
+    for (const char beside : {'k', 'x'}) {
+      const std::string text = std::string(9, beside) + key + std::string(9, beside);
+      EXPECT_NE(index.Find(std::string_view(text).substr(9, length)), nullptr) << length;
+      EXPECT_EQ(index.Find(std::string_view(text).substr(9, length - 1)), nullptr) << length;
+    }
+    for (std::size_t at = 0; at < length; ++at) {
+      std::string different = key;
+      different[at] = 'x';
+      EXPECT_EQ(index.Find(different), nullptr) << different;
+    }
+  }
 }
 
 // However the keys were chosen: an absent one is known to be absent after a few steps.
