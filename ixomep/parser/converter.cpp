@@ -123,7 +123,7 @@ class Writer {
   struct Level {
     BodyView body;
     std::int32_t next = 0;
-    std::string_view keyword = {};  // of the element that has the body
+    std::string_view keyword = {};              // of the element that has the body
     const ixomep::Document* records = nullptr;  // of an element that is a record,
     std::uint32_t number = 0;                   // and the number of its keyword
   };

@@ -101,7 +101,8 @@ bool DocumentScanner::Scan() {
 
 // --- Strings and plain numbers ------------------------------------------------------------------
 
-IXOMEP_FUSED bool DocumentScanner::ReadString(const char*& at, LiteralRecord& literal) const noexcept {
+IXOMEP_FUSED bool DocumentScanner::ReadString(const char*& at,
+                                              LiteralRecord& literal) const noexcept {
   const char* const first = at + 1;
   LiteralKind kind = LiteralKind::String;
   const char* end = FindQuote(first);
@@ -118,7 +119,8 @@ IXOMEP_FUSED bool DocumentScanner::ReadString(const char*& at, LiteralRecord& li
 }
 
 // Digits with a fraction and a unit, or without them, that stand in one block with what follows.
-IXOMEP_FUSED bool DocumentScanner::ReadPlainNumber(const char*& at, LiteralRecord& literal) const noexcept {
+IXOMEP_FUSED bool DocumentScanner::ReadPlainNumber(const char*& at,
+                                                   LiteralRecord& literal) const noexcept {
   const char* const start = at;
   if (start >= block_end_) return false;
   ByteBlock::Mask others = ByteBlock(start).Between('0', '9') ^ ByteBlock::kAll;
@@ -148,7 +150,8 @@ IXOMEP_FUSED bool DocumentScanner::ReadPlainNumber(const char*& at, LiteralRecor
 }
 
 // A string or plain number; false, and nothing is changed, when something else stands there.
-IXOMEP_FUSED bool DocumentScanner::ReadPlainLiteral(const char*& at, LiteralRecord& literal) const noexcept {
+IXOMEP_FUSED bool DocumentScanner::ReadPlainLiteral(const char*& at,
+                                                    LiteralRecord& literal) const noexcept {
   return *at == '"' ? ReadString(at, literal) : ReadPlainNumber(at, literal);
 }
 
@@ -168,9 +171,13 @@ void DocumentScanner::Learn(Form form, const char* end, std::uint32_t name,
     while (followers_.Size() <= last_) followers_.Push({});
     const char* const start = SkipQuick(item_, kQuickWhite);
     const std::string_view gap(item_, static_cast<std::size_t>(start - item_));
-    followers_[last_] = {OffsetOf(item_), static_cast<std::uint8_t>(size),
-                         static_cast<std::uint8_t>(gap.size()), form,
-                         gap.find('\n') != std::string_view::npos, name, modifier};
+    followers_[last_] = {OffsetOf(item_),
+                         static_cast<std::uint8_t>(size),
+                         static_cast<std::uint8_t>(gap.size()),
+                         form,
+                         gap.find('\n') != std::string_view::npos,
+                         name,
+                         modifier};
   }
   last_ = name + kAfterName;
 }
