@@ -3,6 +3,7 @@
 
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "ixomep/values/value_rep.h"
 #include "tests/support/call_checks.h"
@@ -246,7 +247,8 @@ TEST(MErase, Entry_that_a_host_has_left_empty_is_undefined) {
   Session session;
   session.Eval("m := map(), m[1] := 2");
   const IxoMepValue key(1);
-  ValueAccess::OwnEntrySlot(*Variable(session.scope(), "m"), key) = nullptr;
+  const ValuePtr taken(
+      std::exchange(ValueAccess::OwnEntrySlot(*Variable(session.scope(), "m"), key), nullptr));
   EXPECT_EQ(session.Eval("type(merase(m, 1))"), "string \"undefined\"");
   EXPECT_EQ(session.Eval("LEN m"), "integer 0");
 }

@@ -51,6 +51,7 @@ struct World {
     object.MoveValue("m", new IxoMepValue(ValueOf("lambda(a, {a, \"some more text\", a})")));
     EXPECT_EQ(parser.SetExpression("list[1] := {x, x + x}", error), IMEPERR_NONE);
     EXPECT_EQ(place.SetExpression("list[2]", error), IMEPERR_NONE);
+    EXPECT_EQ(call.SetExpression("cond(1, {x, x + x})", error), IMEPERR_NONE);
   }
   IxoMepValue list = ValueOf("{1, {\"k\": 2, 3: \"text of some length\"}, \"another text\"}");
   IxoMepValue map = ValueOf("{\"k\": {1, 2}, 2: \"text of some length\"}");
@@ -60,6 +61,7 @@ struct World {
   IxoMepValueSet scope{&outer};
   IxoMepExpressionParser parser;
   IxoMepExpressionParser place;
+  IxoMepExpressionParser call;
   IxoMepValue* result = nullptr;
   String error;
   IxoMepValueList no_args;
@@ -97,6 +99,10 @@ const Operation kByCode[] = {
     {"SetExpression", [](World& w) -> long { return w.parser.SetExpression(kSource, w.error); }},
     {"Evaluate",
      [](World& w) -> long { return w.parser.Evaluate(&w.scope, w.result, w.error, false, true); }},
+    {"handler",
+     [](World& w) -> long {
+       return w.call.GetTree()->_cond(&w.call, &w.scope, w.result, w.error, false);
+     }},
     {"AssignToLValue",
      [](World& w) -> long { return w.place.AssignToLValue(&w.map, &w.scope, w.error); }},
 };
@@ -144,7 +150,8 @@ class AllPooledScopes {
     scopes_.reserve(100000);
     const FailingNew failing(1, FailMode::FromThenOn);
     try {
-      for (;;) scopes_.push_back(IxoMepValueSetContainer::AllocateValueSet(nullptr));
+      while (scopes_.size() < scopes_.capacity())
+        scopes_.push_back(IxoMepValueSetContainer::AllocateValueSet(nullptr));
     } catch (const std::bad_alloc&) {
     }
   }
