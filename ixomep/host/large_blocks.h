@@ -1,6 +1,6 @@
-// Internal: blocks of many megabytes, for long texts and what is noted of them. Getting them page by
-// page from the system costs more than filling them, so they are aligned and announced to the host,
-// whose machine may have larger pages.
+// Internal: blocks of many megabytes, for long texts and what is noted of them. Getting them page
+// by page from the system costs more than filling them, so they are aligned and announced to the
+// host, whose machine may have larger pages.
 #pragma once
 
 #include <cstddef>

@@ -98,9 +98,7 @@ class VectorBlock {
 
  private:
   __m128i Equal(char byte) const noexcept { return _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(byte)); }
-  static Mask MaskOf(__m128i bytes) noexcept {
-    return static_cast<Mask>(_mm_movemask_epi8(bytes));
-  }
+  static Mask MaskOf(__m128i bytes) noexcept { return static_cast<Mask>(_mm_movemask_epi8(bytes)); }
 
   __m128i bytes_;
 };

@@ -321,8 +321,8 @@ inline ixomep::ElementView IxoMepParser::ViewAt(std::int32_t index) const noexce
   return {*records_, first_record_ + static_cast<std::uint32_t>(index), /*is_loose=*/false};
 }
 
-// A current element that is no object is a record, and the loose attributes of a body are the record
-// before its first one.
+// A current element that is no object is a record, and the loose attributes of a body are the
+// record before its first one.
 inline ixomep::ElementView IxoMepParser::CurrentView() const noexcept {
   if (current_ != nullptr) return ixomep::ElementView(current_);
   return {*records_, first_record_ + static_cast<std::uint32_t>(current_index_),

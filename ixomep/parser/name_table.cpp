@@ -21,7 +21,8 @@ NameTable::Key NameTable::KeyOf(std::string_view name) noexcept {
   const auto size = static_cast<std::uint32_t>(name.size());
   const char* const first = name.data();
   const char* const end = first + size;
-  if (size > 8) return {LoadWord(first), LoadWord(end - 8) >> (size < 16 ? 8 * (16 - size) : 0), size};
+  if (size > 8)
+    return {LoadWord(first), LoadWord(end - 8) >> (size < 16 ? 8 * (16 - size) : 0), size};
   if (size == 8) return {LoadWord(first), 0, size};
   if (size >= 4) {
     const std::uint64_t back = LoadHalf(end - 4);

@@ -50,8 +50,7 @@ constexpr auto kEscapes = MakeEscapes();
 
 // The bytes of a block that do not stay as they are.
 ByteBlock::Mask Replaced(const ByteBlock& block) noexcept {
-  return (block.Between(' ', '\x7F') ^ ByteBlock::kAll) |
-         block.IsAny<'&', '<', '>', '"', '\''>();
+  return (block.Between(' ', '\x7F') ^ ByteBlock::kAll) | block.IsAny<'&', '<', '>', '"', '\''>();
 }
 
 bool IsAscii(std::string_view text) noexcept {

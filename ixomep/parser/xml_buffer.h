@@ -1,6 +1,6 @@
-// Internal: the growing text that XML is written into. Bytes go straight into the room that the text
-// has; once that is used up they are collected in a block and appended a block at a time. ASCII
-// values are escaped on their way, without a text of their own.
+// Internal: the growing text that XML is written into. Bytes go straight into the room that the
+// text has; once that is used up they are collected in a block and appended a block at a time.
+// ASCII values are escaped on their way, without a text of their own.
 #pragma once
 
 #include <cstddef>
