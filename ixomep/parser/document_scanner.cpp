@@ -52,7 +52,8 @@ DocumentScanner::DocumentScanner(Document& document)
 }
 
 bool DocumentScanner::Read(FoldedLiterals& folded) {
-  if (!Scan() || !Fold(folded)) return false;
+  if (!Scan() && !ScanWithStatements()) return false;
+  if (!Fold(folded)) return false;
   document_.elements_.Trim();
   document_.attributes_.Trim();
   document_.bodies_.Trim();
@@ -61,8 +62,6 @@ bool DocumentScanner::Read(FoldedLiterals& folded) {
 
 bool DocumentScanner::Scan() {
   gap_ = at_;
-  next_semicolon_ = text_;
-  MayStartStatement();
   for (;;) {
     ReadFollowers();
     item_ = at_;

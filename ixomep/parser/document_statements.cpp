@@ -8,6 +8,29 @@
 
 namespace ixomep {
 
+// Statements are rare, and to look for one wherever one may start takes time: the first scan knows
+// none and fails at the first ";" that is in no string or comment. This is the second one.
+bool DocumentScanner::ScanWithStatements() {
+  at_ = text_ + document_.start_;
+  if (std::memchr(at_, ';', static_cast<std::size_t>(end_ - at_)) == nullptr) return false;
+  document_.elements_.Clear();
+  document_.attributes_.Clear();
+  document_.bodies_.Clear();
+  document_.made_.clear();
+  pending_elements_.Clear();
+  pending_attributes_.Clear();
+  sources_.reset();
+  made_of_source_.clear();
+  frame_ = Frame();
+  outer_.clear();
+  followers_.Clear();
+  last_ = kAfterCloser;
+  is_fresh_ = true;
+  next_semicolon_ = text_;
+  MayStartStatement();
+  return Scan();
+}
+
 bool DocumentScanner::SkipLineComment() noexcept {
   const auto* feed =
       static_cast<const char*>(std::memchr(at_, '\n', static_cast<std::size_t>(end_ - at_)));
