@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ixomep::test {
@@ -33,7 +34,7 @@ TEST(NameTable, Tells_names_apart_that_differ_in_one_byte) {
   std::vector<std::uint32_t> places;
   for (const std::string& name : names) {
     const auto size = static_cast<std::uint32_t>(name.size());
-    EXPECT_EQ(table.Find(name), NameTable::kUnknown) << name;
+    EXPECT_EQ(table.Find(std::string_view(name)), NameTable::kUnknown) << name;
     ASSERT_EQ(table.Add(at, size), places.size() + 1) << name;
     places.push_back(at);
     at += size + 1;
@@ -42,7 +43,7 @@ TEST(NameTable, Tells_names_apart_that_differ_in_one_byte) {
   for (std::uint32_t i = 0; i < names.size(); ++i) {
     const std::string& name = names[i];
     const auto size = static_cast<std::uint32_t>(name.size());
-    EXPECT_EQ(table.Find(name), i + 1) << name;
+    EXPECT_EQ(table.Find(std::string_view(name)), i + 1) << name;
     EXPECT_EQ(table.Add(places[i], size), i + 1) << name;
     EXPECT_EQ(table.View(i + 1), name);
     if (size > NameTable::kShort) continue;
