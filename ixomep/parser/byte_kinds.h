@@ -19,7 +19,7 @@ enum QuickClass : std::uint8_t {
   kQuickLower = 16,
   kQuickDigit = 32,
   kQuickLiteral = 64,  // starts a literal
-  kQuickStop = 128,    // quotes, comments, brackets, backslash, zero
+  kQuickStop = 128,    // quotes, comments, brackets, backslash, semicolon, zero
 };
 
 struct QuickByte {
@@ -45,7 +45,9 @@ constexpr std::array<QuickByte, 256> MakeQuickTable() {
     if (Is(byte, kDigit) || kLiteralStarts.find(byte) != std::string_view::npos) {
       classes |= kQuickLiteral;
     }
-    if (Is(byte, kBracketStop) || byte == '\\' || byte == '\0') classes |= kQuickStop;
+    if (Is(byte, kBracketStop) || byte == '\\' || byte == ';' || byte == '\0') {
+      classes |= kQuickStop;
+    }
     if (Is(byte, kUpper)) item = Item::Keyword;
     if (Is(byte, kNameStart) && !is_white) item = Item::Name;
     if (byte == '{') item = Item::Opener;

@@ -81,6 +81,22 @@ bool IsMeasureAsItStands(std::string_view measure) noexcept {
          IsDecimalAsItStands(measure.substr(0, measure.size() - 2), 2);
 }
 
+// The tenths of a millimetre of a plain measure of few millimetres with one place at most; false
+// for any other.
+bool ReadMillimetres(std::string_view measure, std::int32_t& tenths) noexcept {
+  constexpr std::size_t kMostBytes = 9;
+  if (!measure.ends_with("mm") || measure.size() > kMostBytes) return false;
+  measure.remove_suffix(2);
+  const bool has_place = measure.size() > 2 && measure[measure.size() - 2] == '.';
+  std::int32_t number = 0;
+  for (const char byte : measure.substr(0, measure.size() - (has_place ? 2 : 0))) {
+    if (byte < '0' || byte > '9') return false;
+    number = number * 10 + (byte - '0');
+  }
+  tenths = number * 10 + (has_place ? measure.back() - '0' : 0);
+  return true;
+}
+
 // The export texts of expressions that are compiled when they are asked for. Those met lately are
 // kept: the same source is often there many times.
 class SourceTexts {
@@ -300,6 +316,9 @@ class Writer {
         return WriteMadeValue(value);
       case LiteralKind::Measure:
         if (IsMeasureAsItStands(value.Source())) return out_.Append(value.Source());
+        if (std::int32_t tenths = 0; ReadMillimetres(value.Source(), tenths)) {
+          return WriteTenths(tenths);
+        }
         return WriteMeasure(ixomep::NumberOfPlainMeasure(value.Source()));
       case LiteralKind::Time:
         return WriteTime(ixomep::NumberOfPlainMeasure(value.Source()));
@@ -336,9 +355,11 @@ class Writer {
     }
   }
 
-  void WriteMeasure(double tenths) {
+  void WriteMeasure(double tenths) { WriteTenths(ixomep::WholeTenthsOf(tenths)); }
+
+  void WriteTenths(std::int32_t tenths) {
     char buffer[ixomep::kTenthsTextSize];
-    out_.Append(ixomep::WriteTenths(ixomep::WholeTenthsOf(tenths), buffer));
+    out_.Append(ixomep::WriteTenths(tenths, buffer));
   }
 
   void WriteTime(double seconds) {

@@ -76,14 +76,17 @@ static_assert(sizeof(ElementRecord) == 28);
 
 // The stretch between two braces.
 struct BodyRecord {
+  static constexpr std::uint32_t kMostOffset = (std::uint32_t{1} << 31) - 1;  // any text's length
+
   std::uint32_t first;  // element
   std::uint32_t count;
-  std::uint32_t start;
-  std::uint32_t end;
-  bool has_loose;  // the element before the first one holds the attributes before it
+  std::uint32_t start : 31;
+  std::uint32_t has_loose : 1;  // the element before the first one holds the attributes before it
+  std::uint32_t end : 31;
   // A walk has gone over it before it had a parser: that starts at the last element.
-  mutable bool is_left_at_last;
+  mutable std::uint32_t is_left_at_last : 1;
 };
+static_assert(sizeof(BodyRecord) == 16);
 
 // A value that reading had to make: an expression that was compiled and folded.
 struct MadeValue {
@@ -118,7 +121,7 @@ class Document {
   IxoMepParser* MadeParser(std::uint32_t index) const noexcept {
     return parsers_.IsEmpty() ? nullptr : parsers_[index];
   }
-  void LeaveAtLast(std::uint32_t index) const noexcept { bodies_[index].is_left_at_last = true; }
+  void LeaveAtLast(std::uint32_t index) const noexcept { bodies_[index].is_left_at_last = 1; }
   const NameTable& Names() const noexcept { return names_; }
   // The first attribute of that name; kNoRecord when there is none.
   std::uint32_t FindAttribute(const ElementRecord& element, std::string_view name) const noexcept {

@@ -135,6 +135,10 @@ bool DocumentScanner::BracketEnd(const char*& end, bool& is_simple) {
           return true;
         }
         break;
+      case ';':
+        // It may end a statement.
+        if (next_semicolon_ == nullptr) return false;
+        break;
       default:
         return false;
     }

@@ -73,6 +73,7 @@ class DocumentScanner {
   static constexpr std::uint32_t kAfterName = 1;
 
   bool Scan();
+  bool ScanWithStatements();
   void ReadFollowers();
   bool MayFollow(const Follower& follower) const noexcept;
   void Learn(Form form, const char* end, std::uint32_t name, std::uint32_t modifier);

@@ -75,11 +75,11 @@ IxoMepParser::IxoMepParser(const ixomep::Document& document,
       records_(&document),
       first_record_(body.first),
       record_count_(body.count),
-      has_loose_record_(body.has_loose),
-      current_index_(body.is_left_at_last ? static_cast<std::int32_t>(body.count) - 1
-                     : body.count != 0    ? 0
-                                          : -1),
-      current_(body.count != 0 || body.has_loose ? nullptr : ixomep::EmptyElement()),
+      has_loose_record_(body.has_loose != 0),
+      current_index_(body.is_left_at_last != 0 ? static_cast<std::int32_t>(body.count) - 1
+                     : body.count != 0         ? 0
+                                               : -1),
+      current_(body.count != 0 || body.has_loose != 0 ? nullptr : ixomep::EmptyElement()),
       filename_stack_(document.FilenameStack()),
       is_body_(true),
       error_context_(document.Context()) {}

@@ -65,6 +65,11 @@ class CheckHouse(unittest.TestCase):
         self.assert_names({"ixomep/values/c.cpp": "// C.\n#include <unistd.h>\n"},
                           "ixomep/values/c.cpp: <unistd.h>")
 
+    def test_instructions_of_a_processor_are_named_but_in_their_file(self):
+        text = "#pragma once\n#include <emmintrin.h>\n"
+        self.assert_names({"ixomep/values/c.h": "// Internal: C.\n" + text},
+                          "ixomep/values/c.h: <emmintrin.h>")
+
     def test_a_stream_header_in_the_core_is_named(self):
         self.assert_names({"ixomep/values/c.cpp": "// C.\n#include <iostream>\n"}, "<iostream>")
 

@@ -182,6 +182,16 @@ TEST(PlainConverter, Texts_of_every_length_around_the_buffers_pieces_are_whole) 
   }
 }
 
+TEST(PlainConverter, Much_longer_than_the_text_it_is_whole) {
+  for (std::size_t count = 1; count < 100000; count = count * 3 + 1) {
+    const std::string value(count, '&');
+    IxoMepConverter converter{String("A b: \"" + value + "\" c: 1 { D \"" + value + "\" }")};
+    ASSERT_EQ(converter.Parse(), IMEPERR_NONE);
+    ASSERT_EQ(Bytes(converter.ToXML(false, "root")),
+              "<root>\n" + PlainXml(converter, true) + "</root>\n");
+  }
+}
+
 TEST(PlainConverter, Every_pair_of_bytes_is_escaped_as_in_the_plain_way) {
   for (int first = 1; first < 256; ++first) {
     std::string text = "A";

@@ -1,0 +1,66 @@
+// Blocks of bytes against single bytes: every question, for every byte at every place, of both
+// kinds of block.
+#include "ixomep/parser/byte_block.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstddef>
+
+namespace ixomep::test {
+namespace {
+
+template <class Block>
+class ByteBlockTest : public ::testing::Test {
+ protected:
+  // Checks a mask byte by byte.
+  template <class Belongs>
+  static void Check(typename Block::Mask mask, const char* bytes, Belongs belongs) {
+    for (std::size_t i = 0; i < Block::kSize; ++i) {
+      const bool is_set = mask != 0 && Block::First(mask) == i;
+      ASSERT_EQ(is_set, belongs(bytes[i])) << i << ' ' << static_cast<int>(bytes[i]);
+      if (is_set) mask &= mask - 1;
+    }
+    ASSERT_EQ(mask, 0U);
+  }
+};
+
+using Blocks = ::testing::Types<WordBlock, ByteBlock>;
+TYPED_TEST_SUITE(ByteBlockTest, Blocks);
+
+TYPED_TEST(ByteBlockTest, Answers_as_single_bytes_do) {
+  std::array<char, 16> bytes{};
+  for (std::size_t around = 0; around < 256; around += 15) {
+    for (std::size_t place = 0; place < TypeParam::kSize; ++place) {
+      bytes.fill(static_cast<char>(around));
+      for (int byte = 0; byte < 256; ++byte) {
+        bytes[place] = static_cast<char>(byte);
+        const TypeParam block(bytes.data());
+        this->Check(block.Is('"'), bytes.data(), [](char b) { return b == '"'; });
+        this->Check(block.Is('\xA0'), bytes.data(), [](char b) { return b == '\xA0'; });
+        this->Check(block.template IsAny<'"', '\\', '\0'>(), bytes.data(),
+                    [](char b) { return b == '"' || b == '\\' || b == '\0'; });
+        this->Check(block.Between('0', '9'), bytes.data(),
+                    [](char b) { return b >= '0' && b <= '9'; });
+        this->Check(block.Between(' ', '\x7F'), bytes.data(),
+                    [](char b) { return static_cast<signed char>(b) >= ' '; });
+      }
+    }
+  }
+}
+
+TYPED_TEST(ByteBlockTest, All_bytes_together_are_all) {
+  std::array<char, 16> bytes{};
+  bytes.fill('5');
+  EXPECT_EQ(TypeParam(bytes.data()).Is('5'), TypeParam::kAll);
+  EXPECT_EQ(TypeParam(bytes.data()).Between('0', '9'), TypeParam::kAll);
+  EXPECT_EQ(TypeParam(bytes.data()).Is('6'), 0U);
+}
+
+TEST(ByteBlock, Words_have_the_first_byte_lowest) {
+  EXPECT_EQ(LoadWord("\x01\x02\x03\x04\x05\x06\x07\x08"), 0x0807060504030201U);
+  EXPECT_EQ(LoadHalf("\x01\x02\x03\x84"), 0x84030201U);
+}
+
+}  // namespace
+}  // namespace ixomep::test
