@@ -189,6 +189,7 @@ void DocumentScanner::ReadFollowers() {
   const char* at = at_;
   std::uint32_t last = last_;
   while (last < followers_.Size() && at < block_end_) {
+    work_.Part();
     const Follower follower = followers_[last];
     if (!IsSame(at, text_ + follower.at, follower.size) || !MayFollow(follower)) break;
     const char* end = at + follower.size;

@@ -12,6 +12,7 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/values/slot.h"
 #include "tests/support/call_checks.h"
+#include "tests/support/definitions.h"
 #include "tests/support/eval.h"
 #include "tests/support/limits.h"
 #include "tests/support/test_host.h"
@@ -68,6 +69,15 @@ TEST(Handler, Destroys_the_value_of_the_caller_on_failure) {
     EXPECT_EQ(slot, nullptr);
     EXPECT_FALSE(call.text().IsEmpty());
   }
+}
+
+TEST(Handler, Without_memory_for_a_tree_ends_with_38) {
+  // More nodes than the free list keeps.
+  DirectCall call(("lambda(1" + Repeated("+1", 40000) + ")").c_str());
+  IxoMepValue* slot = nullptr;
+  const ScopedMemoryLimit limit(0);
+  EXPECT_EQ(call.Run(slot), IMEPERR_TOO_DEEP);
+  EXPECT_EQ(slot, nullptr);
 }
 
 TEST(Handler, Leaves_a_variable_in_the_slot_to_its_scope_on_failure) {

@@ -2,6 +2,8 @@
 // making that no text gives.
 #include <gtest/gtest.h>
 
+#include "ixomep/expr/call_depth.h"
+#include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/slot.h"
 #include "tests/support/eval.h"
 #include "tests/support/limits.h"
@@ -46,6 +48,56 @@ TEST(EvaluateFront, A_sequence_or_sum_made_by_a_host_gives_the_same_however_ofte
     EXPECT_EQ(Shown("f()", &scope), "integer 2");
     EXPECT_EQ(Shown("g()", &scope), "integer -2");
     EXPECT_EQ(Shown("h()", &scope), "error 21");
+  }
+}
+
+TEST(EvaluateFront, Beyond_the_call_depth_a_variable_fails_with_38_too) {
+  IxoMepValueSet scope;
+  Set(scope, "n", IxoMepValue(5));
+  for (const std::int32_t depth : {CallDepth::kMax, CallDepth::kMax + 1}) {
+    IxoMepValue* slot = new IxoMepValue(1);
+    String text;
+    IxoMepExprNode::m_nCallDepth = depth;
+    const IxoMepErrorEnum code = Name("n")->Evaluate(nullptr, &scope, slot, text, false);
+    IxoMepExprNode::m_nCallDepth = 0;
+    const ValuePtr result(slot);
+    EXPECT_EQ(code, depth == CallDepth::kMax ? IMEPERR_NONE : IMEPERR_TOO_DEEP);
+    EXPECT_EQ(ShownValue(slot), depth == CallDepth::kMax ? "integer 5" : "null");
+  }
+}
+
+TEST(EvaluateFront, A_member_for_another_kind_of_node_evaluates_it_all_the_same) {
+  using Member = IxoMepErrorEnum (IxoMepExprNode::*)(const IxoMepExpressionParser*, IxoMepValueSet*,
+                                                     IxoMepValue*&, String&, bool) const;
+  const Member members[] = {&IxoMepExprNode::EvaluateOpCall, &IxoMepExprNode::EvaluateFunctionCall,
+                            &IxoMepExprNode::EvaluateMethodCall,
+                            &IxoMepExprNode::EvaluateObjectSubscriptionCall};
+  for (const char* text :
+       {"abs(-5)", "2 + 3", "n", "5", "\"12345\".length", "cond(1, 5, 0)", "{5}[0]"}) {
+    for (const Member member : members) {
+      IxoMepValueSet scope;
+      Set(scope, "n", IxoMepValue(5));
+      const NodePtr tree = Compile(text).tree;
+      IxoMepValue* slot = nullptr;
+      String error_text;
+      const IxoMepExpressionParser parser;
+      EXPECT_EQ((*tree.*member)(&parser, &scope, slot, error_text, false), IMEPERR_NONE) << text;
+      const ValuePtr result(slot);
+      EXPECT_EQ(ShownValue(slot), "integer 5") << text;
+    }
+  }
+}
+
+TEST(EvaluateFront, Scopes_made_for_what_is_walked_go_back_to_the_pool) {
+  IxoMepValueSet scope;
+  EXPECT_EQ(Shown("f := lambda(x, type({x, x})), 0", &scope), "integer 0");
+  IxoMepValueSet* const next = IxoMepValueSetContainer::AllocateValueSet(nullptr);
+  IxoMepValueSetContainer::FreeValueSet(next);
+  for (int time = 0; time < 3; ++time) {
+    EXPECT_EQ(Shown("for(i, 1, 5, f(i), f(1))", &scope), "string \"array\"");
+    IxoMepValueSet* const again = IxoMepValueSetContainer::AllocateValueSet(nullptr);
+    EXPECT_EQ(again, next);
+    IxoMepValueSetContainer::FreeValueSet(again);
   }
 }
 

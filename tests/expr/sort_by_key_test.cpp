@@ -11,6 +11,7 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/values/value_rep.h"
 #include "tests/support/eval.h"
+#include "tests/support/trees.h"
 #include "tests/support/test_host.h"
 
 namespace ixomep::test {
@@ -97,6 +98,20 @@ TEST(SortByKey, Keys_of_several_types_or_failing_ones_end_as_by_exchanges) {
   ExpectSameAsExchanges("{3cm, 1cm, 2cm}", "x < y");
   ExpectSameAsExchanges("{3, 1, 2}", "x < z");
   ExpectSameAsExchanges("{3, 1, 2}", "x + z < y + z");
+}
+
+// No text gives such a tree; a host can make one.
+TEST(SortByKey, A_constant_without_a_value_is_like_no_other) {
+  using Kind = IxoMepExprNodeType;
+  for (const bool is_first : {false, true}) {
+    const auto one_more = [](const char* name, bool has_value) {
+      return Binary(Kind::Plus, Name(name), has_value ? Number(1) : NodePtr::Make(Kind::Constant));
+    };
+    IxoMepValueSet scope;
+    Set(scope, "f",
+        LambdaValue("x,y", Binary(Kind::Less, one_more("x", is_first), one_more("y", !is_first))));
+    EXPECT_EQ(Shown("v := {2, 1}, v.sort(f)", &scope), "error 21");
+  }
 }
 
 // Knows one function, less(a, b), and counts its calls.

@@ -27,7 +27,7 @@ TEST(QuickLiterals, Stand_in_the_text_with_a_kind) {
       {"0", LiteralKind::Integer, "0"},
       {"-12", LiteralKind::Integer, "-12"},
       {"123456789", LiteralKind::Integer, "123456789"},
-      {"12.75", LiteralKind::Number, "12.75"},
+      {"12.75", LiteralKind::Real, "12.75"},
       {"12.75mm", LiteralKind::Measure, "12.75mm"},
       {"2cm", LiteralKind::Measure, "2cm"},
       {"3m", LiteralKind::Measure, "3m"},
