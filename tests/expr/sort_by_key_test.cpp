@@ -11,8 +11,8 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/values/value_rep.h"
 #include "tests/support/eval.h"
-#include "tests/support/trees.h"
 #include "tests/support/test_host.h"
+#include "tests/support/trees.h"
 
 namespace ixomep::test {
 namespace {
