@@ -7,8 +7,8 @@
 #include <string>
 
 #include "tests/support/eval.h"
-#include "tests/support/trees.h"
 #include "tests/support/test_host.h"
+#include "tests/support/trees.h"
 
 namespace ixomep::test {
 namespace {
