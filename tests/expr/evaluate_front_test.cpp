@@ -101,5 +101,24 @@ TEST(EvaluateFront, Scopes_made_for_what_is_walked_go_back_to_the_pool) {
   }
 }
 
+TEST(EvaluateFront, A_body_that_passes_the_call_depth_fails_with_38_however_often) {
+  IxoMepValueSet scope;
+  Set(scope, "x", IxoMepValue(1));
+  const NodePtr lambda = LambdaOf("", LeftDeepSum(100));
+  const NodePtr call = Compile("f()").tree;
+  for (const bool is_deep : {false, true}) {
+    for (int time = 0; time < 4; ++time) {
+      IxoMepValue* slot = nullptr;
+      String text;
+      IxoMepExprNode::m_nCallDepth = is_deep ? 200 : 100;
+      const IxoMepErrorEnum code =
+          call->EvaluateLambda(lambda.get(), nullptr, &scope, slot, text, false);
+      IxoMepExprNode::m_nCallDepth = 0;
+      const ValuePtr result(slot);
+      EXPECT_EQ(code, is_deep ? IMEPERR_TOO_DEEP : IMEPERR_NONE) << time;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace ixomep::test

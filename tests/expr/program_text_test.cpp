@@ -30,6 +30,9 @@ TEST(ProgramText, Parts_that_are_made_on_the_way_stay_apart) {
 TEST(ProgramText, Numbers_are_no_texts_unless_they_are_shown) {
   ExpectAlways("a + STR n + b", "string \"172\"");
   ExpectAlways("a + n + b", "error 21");
+  ExpectAlways("a + \"x\" + b - a", "error 21");
+  ExpectAlways("a + \"x\" + b = \"1x2\"", "integer 1");
+  ExpectAlways("a + \"x\" < b", "integer 1");
   ExpectAlways("STR (n * 2) + \"|\" + STR (n / 2) + a", "string \"14|3.51\"");
 }
 

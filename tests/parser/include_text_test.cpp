@@ -30,5 +30,14 @@ TEST(IncludeText, The_cache_keeps_line_ends_too) {
   EXPECT_EQ(host.ReadsOf("db:\\line_ends"), 1);
 }
 
+TEST(IncludeText, Errors_in_a_file_keep_what_they_name) {
+  TestHost host;
+  host.files["b.txt"] = "B x: 5km";
+  const Definition definition("A\n@INCLUDE \"b.txt\"");
+  EXPECT_EQ(definition.code, IMEPERR_UNKNOWN_UNIT);
+  EXPECT_EQ(definition.parser.GetErrorText(),
+            ErrorTextOf(IMEPERR_UNKNOWN_UNIT, {{"%s", "km"}}, 1, "b.txt"));
+}
+
 }  // namespace
 }  // namespace ixomep::test

@@ -115,6 +115,14 @@ TEST(Parse, Success_leaves_no_error_text) {
   EXPECT_EQ(parser.GetErrorContext(), parser.GetContext());
 }
 
+TEST(Parse, An_error_at_the_first_byte_has_a_place) {
+  const Definition definition("?");
+  EXPECT_NE(definition.code, IMEPERR_NONE);
+  EXPECT_EQ(definition.parser.GetErrorOffset(), 0);
+  EXPECT_EQ(definition.parser.GetErrorLine(), 1);
+  EXPECT_EQ(definition.parser.GetErrorColumn(), 1);
+}
+
 TEST(Parse, Stops_at_the_first_error_and_keeps_what_was_read) {
   EXPECT_EQ(ShapeOf("A b: 1 C d e.f G"), "error 29: A b=1; C d");
 }

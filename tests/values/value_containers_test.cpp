@@ -219,5 +219,22 @@ TEST(ValueAccessEditing, A_taken_element_lives_on) {
   EXPECT_EQ(TextOf(array), "{1}");
 }
 
+// The pointers stay with the host, who may change what they point to.
+TEST(Containers, Values_handed_in_show_in_no_copy_when_they_change) {
+  for (const bool insert : {false, true}) {
+    IxoMepValue array(IxoMepValueType::Array);
+    auto* const element = new IxoMepValue(1);
+    if (insert) {
+      array.Insert(0, element);
+    } else {
+      array.Append(element);
+    }
+    const IxoMepValue copy = array;
+    element->SetInt(5);
+    EXPECT_EQ(array.GetText(), "{5}");
+    EXPECT_EQ(copy.GetText(), "{1}");
+  }
+}
+
 }  // namespace
 }  // namespace ixomep::test
