@@ -240,8 +240,8 @@ class Program {
   std::vector<std::unique_ptr<HolderBase>> holders_;
 };
 
-// Compiles a tree, or a lambda's body when the node is a lambda. Null for one that is better
-// walked: too deep, or a lambda of unusual shape.
+// Compiles a tree, or a lambda's body when the node is a lambda; what is too deep in it is walked.
+// Null for a lambda of unusual shape.
 std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node);
 
 // The programs that were asked for last, one for each slot: finding one again is a comparison.

@@ -136,7 +136,7 @@ class Compiler {
     if (operand.op->fn == &RunNumber) {
       operand.shape = Shape::Number;
       operand.number = static_cast<const NumberOp*>(operand.op)->number;
-      operand.landmark = Landmark(NumberOf(operand.number));
+      if (IsNumber(operand.number)) operand.landmark = Landmark(NumberOf(operand.number));
     } else if (operand.op->fn == &RunVariable) {
       operand.shape = Shape::Variable;
       operand.name = static_cast<const VariableOp*>(operand.op)->name;

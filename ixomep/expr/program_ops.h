@@ -19,7 +19,7 @@ struct Operand {
   NameRef name;            // of a variable or argument
   std::int32_t argument = 0;
   Reg number{0, 0};
-  Landmark landmark;   // at that number
+  Landmark landmark;   // at that number, when it is none with a unit
   bool quiet = false;  // evaluating it changes nothing and calls nobody
 };
 

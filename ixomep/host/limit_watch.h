@@ -54,6 +54,15 @@ class LimitWatch {
   static void WorkOfEvaluation() {
     if (IsEvaluating()) Work();
   }
+  // The same where nothing may be thrown: false when the host asks for the end, which the
+  // evaluation finds out when it goes on.
+  static bool MayWorkOn() noexcept {
+    if (!IsEvaluating() || --work_left_ >= 0) return true;
+    work_left_ = kPortion;
+    if (!IsInterrupted()) return true;
+    Exceed(Limit::Interrupt);
+    return false;
+  }
   static bool IsEvaluating() noexcept { return depth_ != 0; }
   // Throws LimitExceeded when the host asks for the end.
   static void Ask() {

@@ -219,7 +219,7 @@ class IXOMEP_API IxoMepValue {
   String GetText(bool period = false) const;
   // 0 and a new value owned by the caller, or 42; 37 when the memory cannot be had.
   long GetPropertyValue(const char* name, IxoMepValue*& result, String& errorText) const;
-  // name is an interned address. 0, or 21, 23, 26, 27, 37, 42; some methods give no result. The
+  // name is an interned address. 0, or 21, 23, 26, 27, 37, 38, 42; some methods give no result. The
   // value may be destroyed by what a lambda or native method does.
   long EvaluateMethodCall(const char* name, const IxoMepValueList& args, IxoMepValue*& result,
                           String& errorText, bool strict);

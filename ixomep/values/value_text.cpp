@@ -69,9 +69,14 @@ class TextWriter {
  private:
   using Open = std::variant<OpenList, OpenMap, OpenObject>;
 
+  // Hosts ask for texts themselves and expect no exception: interrupted, there is no text.
   void Finish() {
     while (!open_.empty()) {
-      LimitWatch::WorkOfEvaluation();
+      if (!LimitWatch::MayWorkOn()) {
+        open_.clear();
+        out_.Clear();
+        return;
+      }
       std::visit([this](auto& top) { Continue(top); }, open_.back());
     }
   }

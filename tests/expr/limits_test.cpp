@@ -289,6 +289,36 @@ TEST(Limits, Long_work_of_built_in_functions_is_interrupted) {
   }
 }
 
+// The text is not there, and nothing is thrown at who asks for it; the evaluation ends all the
+// same.
+TEST(Limits, A_function_of_the_host_that_asks_for_a_long_text_is_not_left_by_an_exception) {
+  class Asking : public IxoMepExpressionParser {
+   public:
+    IxoMepErrorEnum EvaluateFunctionCall(const IxoMepExprNode*, IxoMepValueSet* scope,
+                                         const String&, IxoMepValue*& result, String&,
+                                         bool) const override {
+      length = scope->OldGetValue("a")->GetText().Len();
+      IxoMepValue::Assign(result, length);
+      return IMEPERR_NONE;
+    }
+    mutable std::int32_t length = -1;
+  };
+  IxoMepValueSet scope;
+  Eval("a := {}, for(i, 1, 20000, aappend(a, i))", &scope);
+  Asking parser;
+  String text;
+  ASSERT_EQ(parser.SetExpression("x := length_of_a()", text), IMEPERR_NONE);
+  InterruptingHost host(1);
+  IxoMepValue* slot = nullptr;
+  EXPECT_EQ(parser.Evaluate(&scope, slot, text, false, false), IMEPERR_TOO_DEEP);
+  EXPECT_EQ(slot, nullptr);
+  EXPECT_EQ(parser.length, 0);
+  host.answers_yes_after = InterruptingHost::kNever;
+  EXPECT_EQ(parser.Evaluate(&scope, slot, text, false, false), IMEPERR_NONE);
+  const ValuePtr owner(slot);
+  EXPECT_GT(parser.length, 20000);
+}
+
 TEST(Limits, A_host_that_evaluates_while_it_is_asked_is_not_asked_again) {
   class Asking : public InterruptingHost {
    public:

@@ -180,6 +180,21 @@ TEST(Program, Random_expressions_give_what_the_walk_gives) {
   }
 }
 
+// Every operator between a variable and a constant of every kind, written as such or captured.
+TEST(Program, Operators_between_names_and_constants_of_all_kinds_do_what_the_walk_does) {
+  for (const char* const name : {"i", "r", "s", "t", "u", "w", "a"}) {
+    for (const char* const constant : {"2", "1.5", "2cm", "1.5mm", "2s", "0.5s", "\"text\""}) {
+      for (const char* const op :
+           {"+", "-", "*", "/", "MOD", "=", "!=", "<", "<=", ">", ">=", "AND", "OR"}) {
+        const std::string with = std::string(" ") + op + " ";
+        CheckBothWays<IxoMepExpressionParser>(name + with + constant, Setting{});
+        CheckBothWays<IxoMepExpressionParser>(constant + with + name, Setting{});
+      }
+    }
+  }
+  CheckBothWays<IxoMepExpressionParser>("g := 5cm, h := lambda(x, x < g), h(2.5)", Setting{});
+}
+
 std::string Repeated(const std::string& open, int count, const std::string& inner,
                      const std::string& close) {
   std::string text;

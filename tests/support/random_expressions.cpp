@@ -28,7 +28,7 @@ std::string RandomExpressions::Constant() {
       {"0",          "1",      "2",     "3",      "-1",    "7",         "12",
        "2147483647", "0.5",    "2.0",   "0.0",    "-3.25", "1e300",     "0.30000000000000004",
        "\"\"",       "\"ab\"", "\"x\"", "\"12\"", "{}",    "{1, 2, 3}", "{\"k\": 1, 2: \"z\"}",
-       "CM 2",       "PT 3"});
+       "CM 2",       "PT 3",   "2cm",   "0.5mm",  "2s",    "1.5s"});
 }
 
 std::string RandomExpressions::Name() {
@@ -43,8 +43,8 @@ std::string RandomExpressions::Leaf() {
 // Mostly a number, so that not every text ends in a wrong type.
 std::string RandomExpressions::Number(int depth) {
   if (depth <= 0 || Chance(30)) {
-    return Pick(
-        {"i", "i", "r", "p", "n", "a[0]", "a[1]", "m[\"k\"]", "1", "2", "0.5", "-3", "LEN s"});
+    return Pick({"i", "i", "r", "p", "n", "a[0]", "a[1]", "m[\"k\"]", "1", "2", "0.5", "-3",
+                 "LEN s", "2cm"});
   }
   if (Chance(15)) return Pick({"-", "NOT ", "ROUND ", "REAL "}) + InParentheses(Number(depth - 1));
   if (Chance(10)) return "f(" + Number(depth - 1) + ", " + Number(depth - 1) + ")";
