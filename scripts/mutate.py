@@ -2,19 +2,28 @@
 """Changes the library in small ways and looks whether the tests notice.
 
 Usage: mutate.py [--mutants N] [--seed S] [--jobs J] [--work FOLDER] [--folders values,expr,...]
+                 [--only ROWS]
 
 A mutant is a source of ixomep/ with one operator, comparison, constant, condition or statement
 changed. N of them are picked by the seed. Each is compiled alone, without optimisation, linked with
 the other objects into a shared library, and the test programs of its folder run on that library, the
 tests of its own file first, until one fails. Tests that take longer than SLOW in the good run at the
-beginning are left out. Everything happens in a copy of the tree under FOLDER;
+beginning are left out; that the others pass without these, and those of a file alone, is checked
+before the first mutant. Everything happens in a copy of the tree under FOLDER;
 a second run with the same FOLDER and unchanged sources does not build again.
 
 Prints how many were killed (a test failed, or the process died), timed out (killed too: a loop did
-not end), survived, or did not compile, and the survivors; writes all of them to FOLDER/mutants.txt.
+not end), survived, or did not compile, and the survivors; writes all of them to FOLDER/mutants.txt
+as they are judged.
+
+With --only the mutants are not picked: they are those named by the rows of ROWS, a file with rows
+of an earlier mutants.txt (their verdicts are not looked at, and rows may be left out), to try them
+again after tests were added. A row whose line is no longer there is told and left out. The verdicts
+then go to FOLDER/again.txt.
 """
 import argparse
 import json
+import math
 import os
 import pathlib
 import random
@@ -22,6 +31,7 @@ import re
 import resource
 import shlex
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -37,7 +47,7 @@ PROGRAMS = {
     "parser": ["parser", "values", "builtins", "language"],
 }
 MEASURING = "*Growth.*"  # tests that measure time, which other work on the machine disturbs
-SLOW = 1.0  # seconds of one test in the good run
+SLOW = 1.5  # seconds of the processor for one test in the good run
 MEMORY = 6 << 30  # bytes of address space of a test program
 MUTANT_LIBRARY = "libmutant.so"
 
@@ -105,6 +115,28 @@ def all_mutants(tree, folders):
                 yield path, number, line, what
 
 
+def row_of(tree, mutant):
+    source, number, line, what = mutant
+    return f"{source.relative_to(tree)}:{number + 1}: {what} | {line.strip()}"
+
+
+def named_mutants(tree, choices, rows):
+    """The mutants of the rows. The line may have moved in its file, but not changed."""
+    def without_number(row):
+        return re.sub(r":\d+: ", ": ", row, count=1)
+    by_row = {row_of(tree, choice): choice for choice in choices}
+    by_text = {without_number(row): choice for row, choice in by_row.items()}
+    named = []
+    for row in rows.read_text(encoding="utf-8").splitlines():
+        row = row.split(": ", 1)[-1]
+        found = by_row.get(row) or by_text.get(without_number(row))
+        if found:
+            named.append(found)
+        else:
+            print(f"no longer there: {row}")
+    return named
+
+
 # --- Building and running ----------------------------------------------------------------------------
 
 class Bench:
@@ -170,14 +202,20 @@ class Bench:
         report = self.work / f"{program}.json"
         command = [self.work / program, "--gtest_brief=1", f"--gtest_filter=-{MEASURING}",
                    f"--gtest_output=json:{report}"]
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
         done = subprocess.run(command, cwd=self.tree, capture_output=True, text=True, check=False,
                               env={**os.environ, "LD_LIBRARY_PATH": str(self.work)})
         if done.returncode != 0:
             sys.exit(f"{program} fails without a mutant\n{done.stdout[-2000:]}")
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        used = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+        results = json.loads(report.read_text(encoding="utf-8"))
+        # Seconds of the processor, whatever else the machine does.
+        share = used / max(float(results["time"].removesuffix("s")), 0.001)
         self.seconds[program], self.slow[program] = 0.0, [MEASURING]
-        for suite in json.loads(report.read_text(encoding="utf-8"))["testsuites"]:
+        for suite in results["testsuites"]:
             for test in suite["testsuite"]:
-                seconds = float(test["time"].removesuffix("s"))
+                seconds = float(test["time"].removesuffix("s")) * share
                 if seconds > SLOW:
                     self.slow[program].append(f"{suite['name']}.{test['name']}")
                 else:
@@ -199,17 +237,20 @@ class Bench:
                   "-lpcre2-8", "-lnettle"])
 
     def test(self, program, folder, names, seconds):
-        """Runs a program on the library in the folder."""
+        """Runs a program on the library in the folder, for so many seconds of the processor."""
         def limit():
             resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+            resource.setrlimit(resource.RLIMIT_CPU, (math.ceil(seconds),) * 2)
         command = [str(self.work / program), "--gtest_brief=1", "--gtest_fail_fast"]
         command.append(f"--gtest_filter={names or '*'}-{':'.join(self.slow[program])}")
         try:
-            done = subprocess.run(command, cwd=self.tree, preexec_fn=limit, timeout=seconds, check=False,
+            done = subprocess.run(command, cwd=self.tree, preexec_fn=limit, timeout=20 * seconds, check=False,
                                   env={**os.environ, "LD_LIBRARY_PATH": str(folder)},
                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         except subprocess.TimeoutExpired:
+            return "timeout"
+        if done.returncode in (-signal.SIGXCPU, -signal.SIGKILL):
             return "timeout"
         return "survived" if done.returncode == 0 else "killed"
 
@@ -220,6 +261,18 @@ class Bench:
             return ""
         suites = set(re.findall(r"^(?:TEST|TEST_F|TEST_P)\((\w+),", own.read_text(encoding="utf-8"), re.M))
         return ":".join(f"{s}.*:*/{s}.*" for s in sorted(suites))
+
+    def runs_of(self, source):
+        """The programs, and which of their tests, in the order in which they look at a mutant."""
+        programs = PROGRAMS[source.parent.name]
+        names = self.tests_of(source)
+        return ([(programs[0], names)] if names else []) + [(program, "") for program in programs]
+
+    def check_good_runs(self, sources):
+        """A test that needs the ones before it would kill every mutant."""
+        for program, names in sorted({run for source in sources for run in self.runs_of(source)}):
+            if self.test(program, self.work, names, 30 + 10 * self.seconds[program]) != "survived":
+                sys.exit(f"{program} fails without a mutant when only a part of its tests runs: {names or '*'}")
 
     def judge(self, mutant, folder):
         """Compiles, links and tests one mutant in a folder of its own."""
@@ -240,10 +293,7 @@ class Bench:
         if subprocess.run([*command, "-w"], cwd=self.build, capture_output=True, check=False).returncode:
             return "does not compile"
         self.link_library(folder / MUTANT_LIBRARY, {source: made})
-        programs = PROGRAMS[source.parent.name]
-        names = self.tests_of(source)
-        first = [(programs[0], names)] if names else []
-        for program, chosen in first + [(p, "") for p in programs]:
+        for program, chosen in self.runs_of(source):
             verdict = self.test(program, folder, chosen, 3 + 4 * self.seconds[program])
             if verdict != "survived":
                 return verdict
@@ -256,6 +306,7 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=1)
     parser.add_argument("--work", type=pathlib.Path, default=pathlib.Path(tempfile.gettempdir()) / "ixomep-mutants")
+    parser.add_argument("--only", type=pathlib.Path)
     parser.add_argument("--folders", default=",".join(PROGRAMS))
     arguments = parser.parse_args()
     work = arguments.work.resolve()
@@ -267,9 +318,15 @@ def main():
     print(f"prepared in {prepared - begin:.0f} s; a good run takes {sum(bench.seconds.values()):.1f} s without "
           f"{sum(len(slow) - 1 for slow in bench.slow.values())} slow tests", flush=True)
     choices = list(all_mutants(bench.tree, arguments.folders.split(",")))
-    chosen = random.Random(arguments.seed).sample(choices, min(arguments.mutants, len(choices)))
-    print(f"{len(choices)} mutants are possible, {len(chosen)} are tried with the seed {arguments.seed}", flush=True)
+    if arguments.only:
+        chosen = named_mutants(bench.tree, choices, arguments.only)
+        print(f"{len(chosen)} mutants are tried again", flush=True)
+    else:
+        chosen = random.Random(arguments.seed).sample(choices, min(arguments.mutants, len(choices)))
+        print(f"{len(choices)} mutants are possible, {len(chosen)} are tried with the seed {arguments.seed}",
+              flush=True)
 
+    bench.check_good_runs({mutant[0] for mutant in chosen})
     free = [work / f"worker{i}" for i in range(arguments.jobs)]
 
     def judged(mutant):
@@ -279,16 +336,15 @@ def main():
         finally:
             free.append(folder)
 
-    counts, told = {}, []
-    with ThreadPoolExecutor(arguments.jobs) as pool:
+    counts = {}
+    table = work / ("again.txt" if arguments.only else "mutants.txt")
+    with ThreadPoolExecutor(arguments.jobs) as pool, table.open("w", encoding="utf-8") as told:
         for mutant, verdict in zip(chosen, pool.map(judged, chosen)):
-            source, number, _, what = mutant
             counts[verdict] = counts.get(verdict, 0) + 1
-            row = f"{verdict}: {source.relative_to(bench.tree)}:{number + 1}: {what}"
-            told.append(row)
+            row = f"{verdict}: {row_of(bench.tree, mutant)}"
+            print(row, file=told, flush=True)
             if verdict == "survived":
                 print(row, flush=True)
-    (work / "mutants.txt").write_text("\n".join(told) + "\n", encoding="utf-8")
     seconds = time.monotonic() - prepared
     caught = counts.get("killed", 0) + counts.get("timeout", 0)
     tried = len(chosen) - counts.get("does not compile", 0)

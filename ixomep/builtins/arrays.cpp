@@ -231,9 +231,3 @@ IxoMepErrorEnum ASInsert(Call& call) {
 }
 
 }  // namespace ixomep::builtins
-
-IXOMEP_HANDLER(_areplace, AReplace)
-IXOMEP_HANDLER(_aappend, AAppend)
-IXOMEP_HANDLER(_ainsert, AInsert)
-IXOMEP_HANDLER(_aerase, AErase)
-IXOMEP_HANDLER(_asinsert, ASInsert)

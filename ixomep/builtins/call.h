@@ -1,7 +1,7 @@
 // Internal: one call of a built-in function, from its arguments to its result. The stages are
 // count (23) -> evaluate all arguments, left to right -> match their types (21) -> the body. They
 // stand in call.cpp and nowhere else; a body starts where its arguments are right. A family of
-// functions is a source file of bodies that ends with one IXOMEP_HANDLER line for each.
+// functions is a source file of bodies; table.cpp has a row and a handler for each.
 //
 // Arguments are numbered from 0. Bodies with Value, Code, Place or Name in their signature
 // (signature.h) get their parameters unevaluated and evaluate them through this class.
@@ -175,17 +175,4 @@ IxoMepErrorEnum RunHandler(const BuiltinRow& row, const IxoMepExprNode& node,
                            const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
                            IxoMepValue*& result, String& text, bool strict);
 
-// The row with that body; there is one (table.cpp).
-const BuiltinRow& RowOf(BuiltinFunction body) noexcept;
-
 }  // namespace ixomep
-
-// Gives a body its name as a member of IxoMepExprNode. At the end of the family's source, outside
-// any namespace.
-#define IXOMEP_HANDLER(given_name, body)                                                  \
-  IxoMepErrorEnum IxoMepExprNode::given_name(const IxoMepExpressionParser* parser,        \
-                                             IxoMepValueSet* scope, IxoMepValue*& result, \
-                                             String& errorText, bool strict) const {      \
-    static const ixomep::BuiltinRow& row = ixomep::RowOf(&ixomep::builtins::body);        \
-    return ixomep::RunHandler(row, *this, parser, scope, result, errorText, strict);      \
-  }

@@ -124,10 +124,3 @@ IxoMepErrorEnum MErase(Call& call) {
 }
 
 }  // namespace ixomep::builtins
-
-IXOMEP_HANDLER(_curly, Curly)
-IXOMEP_HANDLER(_curlycolon, CurlyColon)
-IXOMEP_HANDLER(_array, Array)
-IXOMEP_HANDLER(_map, Map)
-IXOMEP_HANDLER(_merase, MErase)
-IXOMEP_HANDLER(_object, Object)

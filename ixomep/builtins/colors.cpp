@@ -113,8 +113,3 @@ IxoMepErrorEnum Hsv2Rgb(Call& call) {
 
 }  // namespace builtins
 }  // namespace ixomep
-
-IXOMEP_HANDLER(_rgbval, RgbVal)
-IXOMEP_HANDLER(_rgb2hsv, Rgb2Hsv)
-IXOMEP_HANDLER(_hsvval, HsvVal)
-IXOMEP_HANDLER(_hsv2rgb, Hsv2Rgb)

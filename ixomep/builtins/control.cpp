@@ -138,10 +138,3 @@ IxoMepErrorEnum Set(Call& call) {
 }
 
 }  // namespace ixomep::builtins
-
-IXOMEP_HANDLER(_cond, Cond)
-IXOMEP_HANDLER(_mepwhile, While)
-IXOMEP_HANDLER(_mepfor, For)
-IXOMEP_HANDLER(_fortok, Fortok)
-IXOMEP_HANDLER(_meptry, Try)
-IXOMEP_HANDLER(_set, Set)

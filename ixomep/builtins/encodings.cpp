@@ -81,6 +81,7 @@ IxoMepErrorEnum ToUrlQueryString(Call& call) {
   const String& unescaped = call.Has(1) ? call.Text(1) : UnescapedSets::Get().query_component;
   String query;
   for (const auto& [key, value] : ValueAccess::Entries(call.Arg(0))) {
+    LimitWatch::Work();
     if (!query.IsEmpty()) query += '&';
     AppendEscaped(query, *key, unescaped);
     query += '=';
@@ -91,12 +92,3 @@ IxoMepErrorEnum ToUrlQueryString(Call& call) {
 
 }  // namespace builtins
 }  // namespace ixomep
-
-IXOMEP_HANDLER(_base64encode, Base64Encode)
-IXOMEP_HANDLER(_base64decode, Base64Decode)
-IXOMEP_HANDLER(_toutf8, ToUtf8)
-IXOMEP_HANDLER(_fromutf8, FromUtf8)
-IXOMEP_HANDLER(_tooem, ToOem)
-IXOMEP_HANDLER(_fromoem, FromOem)
-IXOMEP_HANDLER(_encodeuri, EncodeUri)
-IXOMEP_HANDLER(_tourlquerystring, ToUrlQueryString)

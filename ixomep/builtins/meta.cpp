@@ -136,12 +136,3 @@ IxoMepErrorEnum Internal(Call& call) {
 }
 
 }  // namespace ixomep::builtins
-
-IXOMEP_HANDLER(_eval, Eval)
-IXOMEP_HANDLER(_parse, Parse)
-IXOMEP_HANDLER(_lambda, Lambda)
-IXOMEP_HANDLER(_error, Error)
-IXOMEP_HANDLER(_type, Type)
-IXOMEP_HANDLER(_valofvar, ValOfVar)
-IXOMEP_HANDLER(_curvars, CurVars)
-IXOMEP_HANDLER(_internal, Internal)

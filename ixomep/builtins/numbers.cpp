@@ -99,13 +99,6 @@ constinit const std::array<BuiltinRow, 16> kMathRows = {
 
 }  // namespace ixomep
 
-IXOMEP_HANDLER(_pow, Pow)
-IXOMEP_HANDLER(_min, Min)
-IXOMEP_HANDLER(_max, Max)
-IXOMEP_HANDLER(_abs, Abs)
-IXOMEP_HANDLER(_random, Random)
-IXOMEP_HANDLER(_getTickCount, GetTickCount)
-
 IxoMepErrorEnum IxoMepExprNode::_math(const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
                                       const String& name, IxoMepValue*& result, String& errorText,
                                       bool strict) const {

@@ -65,6 +65,7 @@ IxoMepErrorEnum ReplAll(Call& call) {
   String result;
   std::size_t done = 0;
   for (; at != TextSearch::kNone; at = search.Find(source, done)) {
+    LimitWatch::Work();
     result += source.substr(done, at - done);
     result += new_text;
     done = at + old_text.view().size();
@@ -74,8 +75,3 @@ IxoMepErrorEnum ReplAll(Call& call) {
 }
 
 }  // namespace ixomep::builtins
-
-IXOMEP_HANDLER(_search, Search)
-IXOMEP_HANDLER(_bsearch, BSearch)
-IXOMEP_HANDLER(_replace, Replace)
-IXOMEP_HANDLER(_replall, ReplAll)

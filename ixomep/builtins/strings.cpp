@@ -76,14 +76,3 @@ IxoMepErrorEnum Byte(Call& call) {
 }
 
 }  // namespace ixomep::builtins
-
-IXOMEP_HANDLER(_copy, Copy)
-IXOMEP_HANDLER(_lower, Lower)
-IXOMEP_HANDLER(_upper, Upper)
-IXOMEP_HANDLER(_ilower, ILower)
-IXOMEP_HANDLER(_iupper, IUpper)
-IXOMEP_HANDLER(_mstr, MStr)
-IXOMEP_HANDLER(_uistr, UIStr)
-IXOMEP_HANDLER(_uival, UIVal)
-IXOMEP_HANDLER(_regex, RegEx)
-IXOMEP_HANDLER(_byte, Byte)

@@ -95,6 +95,13 @@ constexpr BuiltinRow kRows[] = {
 constexpr std::size_t kRowCount = std::size(kRows);
 static_assert(kRowCount == 68);
 
+// The row with that handler; each has one.
+consteval const BuiltinRow& RowOf(IxoMepExprNode::Handler IxoMepExprNode::*handler) {
+  const BuiltinRow* row = kRows;
+  while (row->handler != handler) ++row;
+  return *row;
+}
+
 // Tells a row apart without carrying it: BuiltinBody is a plain function.
 template <std::size_t kRow>
 IxoMepErrorEnum RunRow(const IxoMepExprNode& call, Frame& frame, IxoMepValue& out) {
@@ -146,10 +153,9 @@ class AddressTable {
   void AddRows(std::index_sequence<kRow...>) {
     (Names::template AddTo<kRow>(*this), ...);
   }
-  // The first function of a name stays.
+  // No name stands twice in the rows.
   void Add(const char* name, BuiltinBody body) {
     const char* const address = Intern(name);
-    if (Find(address) != nullptr) return;
     std::size_t at = SlotOf(address);
     while (slots_[at].name != nullptr) at = (at + 1) % kSlots;
     slots_[at] = Slot{address, body};
@@ -187,12 +193,6 @@ BuiltinBody FindBuiltin(const char* name) noexcept {
   return table.Find(name);
 }
 
-const BuiltinRow& RowOf(BuiltinFunction body) noexcept {
-  const BuiltinRow* row = kRows;
-  while (row->body != body) ++row;  // every body that is given a handler has its row
-  return *row;
-}
-
 }  // namespace ixomep
 
 IxoMepExprNode::FunctionCallMap IxoMepExprNode::aFunctionCallMap;
@@ -206,3 +206,81 @@ void IxoMepExprNode::InitFunctionCallMap() {
   // So that FindBuiltin, which cannot fail, finds all its names interned.
   for (const ixomep::BuiltinRow& row : ixomep::kMathRows) (void)ixomep::Intern(row.name);
 }
+
+// The members of IxoMepExprNode that serve hosts.
+#define IXOMEP_HANDLER(name)                                                                      \
+  IxoMepErrorEnum IxoMepExprNode::name(const IxoMepExpressionParser* parser,                      \
+                                       IxoMepValueSet* scope, IxoMepValue*& result,               \
+                                       String& errorText, bool strict) const {                    \
+    return ixomep::RunHandler(ixomep::RowOf(&IxoMepExprNode::name), *this, parser, scope, result, \
+                              errorText, strict);                                                 \
+  }
+
+IXOMEP_HANDLER(_cond)
+IXOMEP_HANDLER(_mepwhile)
+IXOMEP_HANDLER(_set)
+IXOMEP_HANDLER(_rgbval)
+IXOMEP_HANDLER(_rgb2hsv)
+IXOMEP_HANDLER(_hsvval)
+IXOMEP_HANDLER(_hsv2rgb)
+IXOMEP_HANDLER(_mepfor)
+IXOMEP_HANDLER(_fortok)
+IXOMEP_HANDLER(_meptry)
+IXOMEP_HANDLER(_curly)
+IXOMEP_HANDLER(_curlycolon)
+IXOMEP_HANDLER(_areplace)
+IXOMEP_HANDLER(_aappend)
+IXOMEP_HANDLER(_ainsert)
+IXOMEP_HANDLER(_aerase)
+IXOMEP_HANDLER(_asinsert)
+IXOMEP_HANDLER(_search)
+IXOMEP_HANDLER(_bsearch)
+IXOMEP_HANDLER(_copy)
+IXOMEP_HANDLER(_replace)
+IXOMEP_HANDLER(_replall)
+IXOMEP_HANDLER(_lower)
+IXOMEP_HANDLER(_upper)
+IXOMEP_HANDLER(_ilower)
+IXOMEP_HANDLER(_iupper)
+IXOMEP_HANDLER(_mstr)
+IXOMEP_HANDLER(_base64encode)
+IXOMEP_HANDLER(_base64decode)
+IXOMEP_HANDLER(_toutf8)
+IXOMEP_HANDLER(_fromutf8)
+IXOMEP_HANDLER(_tooem)
+IXOMEP_HANDLER(_fromoem)
+IXOMEP_HANDLER(_tokcnt)
+IXOMEP_HANDLER(_token)
+IXOMEP_HANDLER(_tokindex)
+IXOMEP_HANDLER(_tokcat)
+IXOMEP_HANDLER(_tokunion)
+IXOMEP_HANDLER(_tokisect)
+IXOMEP_HANDLER(_tokdiff)
+IXOMEP_HANDLER(_tokstr)
+IXOMEP_HANDLER(_valtokstr)
+IXOMEP_HANDLER(_strarray)
+IXOMEP_HANDLER(_valarray)
+IXOMEP_HANDLER(_uistr)
+IXOMEP_HANDLER(_uival)
+IXOMEP_HANDLER(_pow)
+IXOMEP_HANDLER(_min)
+IXOMEP_HANDLER(_max)
+IXOMEP_HANDLER(_regex)
+IXOMEP_HANDLER(_byte)
+IXOMEP_HANDLER(_error)
+IXOMEP_HANDLER(_type)
+IXOMEP_HANDLER(_valofvar)
+IXOMEP_HANDLER(_curvars)
+IXOMEP_HANDLER(_internal)
+IXOMEP_HANDLER(_array)
+IXOMEP_HANDLER(_map)
+IXOMEP_HANDLER(_merase)
+IXOMEP_HANDLER(_random)
+IXOMEP_HANDLER(_getTickCount)
+IXOMEP_HANDLER(_abs)
+IXOMEP_HANDLER(_eval)
+IXOMEP_HANDLER(_parse)
+IXOMEP_HANDLER(_lambda)
+IXOMEP_HANDLER(_object)
+IXOMEP_HANDLER(_encodeuri)
+IXOMEP_HANDLER(_tourlquerystring)

@@ -112,6 +112,7 @@ IxoMepErrorEnum TokIndex(Call& call) {
   TokenWalker walker(call.Text(0), separator);
   std::string_view token;
   for (std::int32_t i = 0; walker.Next(token); ++i) {
+    LimitWatch::Work();
     if (token == wanted.view()) return call.Return(i);
   }
   return call.Return(-1);
@@ -153,15 +154,3 @@ IxoMepErrorEnum StrArray(Call& call) { return Split(call, &StringOfToken); }
 IxoMepErrorEnum ValArray(Call& call) { return Split(call, &ValueOfToken); }
 
 }  // namespace ixomep::builtins
-
-IXOMEP_HANDLER(_tokcnt, TokCnt)
-IXOMEP_HANDLER(_token, Token)
-IXOMEP_HANDLER(_tokindex, TokIndex)
-IXOMEP_HANDLER(_tokcat, TokCat)
-IXOMEP_HANDLER(_tokunion, TokUnion)
-IXOMEP_HANDLER(_tokisect, TokIsect)
-IXOMEP_HANDLER(_tokdiff, TokDiff)
-IXOMEP_HANDLER(_tokstr, TokStr)
-IXOMEP_HANDLER(_valtokstr, ValTokStr)
-IXOMEP_HANDLER(_strarray, StrArray)
-IXOMEP_HANDLER(_valarray, ValArray)

@@ -28,11 +28,12 @@ std::int32_t CountTokens(std::string_view list, Separator separator) noexcept {
   return static_cast<std::int32_t>(std::min(separator.CountIn(list) + 1, kMost));
 }
 
-std::string_view TokenAt(std::string_view list, std::int32_t index, Separator separator) noexcept {
+std::string_view TokenAt(std::string_view list, std::int32_t index, Separator separator) {
   if (index < 0) return {};
   TokenWalker walker(list, separator);
   std::string_view token;
   for (std::int32_t i = 0; walker.Next(token); ++i) {
+    LimitWatch::Work();
     if (i == index) return token;
   }
   return {};

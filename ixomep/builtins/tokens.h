@@ -56,6 +56,6 @@ class TokenWalker {
 std::int32_t CountTokens(std::string_view list, Separator separator) noexcept;
 
 // The token of that number, from 0; empty outside the list.
-std::string_view TokenAt(std::string_view list, std::int32_t index, Separator separator) noexcept;
+std::string_view TokenAt(std::string_view list, std::int32_t index, Separator separator);
 
 }  // namespace ixomep

@@ -2,8 +2,10 @@
 // significant digits, so that 0.1 + 0.2 equals 0.3. Defined in decimal_compare.cpp.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <compare>
+#include <limits>
 
 namespace ixomep {
 
@@ -27,5 +29,34 @@ inline bool NumbersDecide(double a, double b) noexcept {
   const double size = std::fabs(a) + std::fabs(b);
   return (std::fabs(a - b) > kClose * size && size >= kSmallest && size <= kLargest) || a == b;
 }
+
+// A number that many others are compared with, and how near to it they have to be for NumbersDecide
+// to matter: beyond that two comparisons tell the order.
+class Landmark {
+ public:
+  Landmark() noexcept = default;
+  explicit Landmark(double number) noexcept {
+    if (!(std::fabs(number) <= kLargest)) return;
+    const double margin = std::max(kClose * std::fabs(number), kSmallest);
+    low_ = number - margin;
+    high_ = number + margin;
+  }
+
+  // 1 or -1 for a number whose order is sure to be that of the texts: above or below. Else 0.
+  int SideOf(double number) const noexcept {
+    if (number > high_) return number <= kLargest ? 1 : 0;
+    return number < low_ && number >= -kLargest ? -1 : 0;
+  }
+
+ private:
+  // Twice and more what NumbersDecide asks for, so that the size of the other number, which may be
+  // the larger one, and the rounding of the bounds do not count.
+  static constexpr double kClose = 2.4e-11;
+  static constexpr double kSmallest = 4e-280;
+  static constexpr double kLargest = 1e279;
+
+  double low_ = -std::numeric_limits<double>::infinity();  // then nothing is sure
+  double high_ = std::numeric_limits<double>::infinity();
+};
 
 }  // namespace ixomep

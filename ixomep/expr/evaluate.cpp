@@ -12,6 +12,7 @@
 #include "ixomep/expr/binary_operators.h"
 #include "ixomep/expr/call_depth.h"
 #include "ixomep/expr/guarded.h"
+#include "ixomep/expr/node_ptr.h"
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/expr/unary_operators.h"
 #include "ixomep/host/assertion.h"
@@ -29,7 +30,8 @@ using Type = IxoMepValueType;
 IxoMepErrorEnum TooDeep(Frame& frame) { return Raise(frame.text, IMEPERR_TOO_DEEP); }
 
 const IxoMepValue* FindVariable(const IxoMepExprNode& node, const Frame& frame) noexcept {
-  return frame.scope != nullptr ? frame.scope->_find(node.GetNameAddress()) : nullptr;
+  if (frame.scope == nullptr) return nullptr;
+  return frame.scope->FindInBucket(NodeAccess::Bucket(node), node.GetNameAddress());
 }
 
 IxoMepErrorEnum BorrowVariable(const IxoMepExprNode& node, Frame& frame,

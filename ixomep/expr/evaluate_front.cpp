@@ -5,6 +5,7 @@
 #include "ixomep/expr/call_depth.h"
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/guarded.h"
+#include "ixomep/expr/node_ptr.h"
 #include "ixomep/expr/program.h"
 #include "ixomep/expr/unary_operators.h"
 #include "ixomep/values/error.h"
@@ -12,6 +13,7 @@
 using ixomep::FailResult;
 using ixomep::Frame;
 using ixomep::Guarded;
+using ixomep::NodeAccess;
 using ixomep::OuterEntry;
 using ixomep::RaiseLimit;
 using ixomep::WithinLimits;
@@ -23,8 +25,10 @@ namespace {
 
 using Worker = IxoMepErrorEnum(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out);
 
-// Out of line, so that what is answered before it needs no frame.
-[[gnu::noinline]] IxoMepErrorEnum RunWorker(Worker& worker, const IxoMepExprNode& node,
+// Out of line and with the arguments of the interface in their order, so that what is answered
+// before it needs no frame.
+template <Worker& kWorker>
+[[gnu::noinline]] IxoMepErrorEnum RunWorker(const IxoMepExprNode& node,
                                             const IxoMepExpressionParser* parser,
                                             IxoMepValueSet* scope, IxoMepValue*& result,
                                             String& text, bool strict) {
@@ -33,7 +37,7 @@ using Worker = IxoMepErrorEnum(const IxoMepExprNode& node, Frame& frame, IxoMepV
   const IxoMepErrorEnum code = Guarded(text, [&] {
     if (!entry.IsAllowed()) return RaiseLimit(text);
     IxoMepValue value;
-    const IxoMepErrorEnum worker_code = WithinLimits(worker(node, frame, value), text);
+    const IxoMepErrorEnum worker_code = WithinLimits(kWorker(node, frame, value), text);
     if (worker_code != IMEPERR_NONE || frame.no_result) return worker_code;
     if (result != nullptr && ixomep::IsScalar(value)) {
       ixomep::StoreScalar(*result, value.GetType(), ixomep::ValueAccess::Bits(value));
@@ -46,23 +50,38 @@ using Worker = IxoMepErrorEnum(const IxoMepExprNode& node, Frame& frame, IxoMepV
   return code;
 }
 
-// What functions of a host ask for most: a number under a name, into a value that is there. False,
-// and nothing is done, for everything else.
-bool StoreNumber(const char* name, const IxoMepValueSet* scope, IxoMepValue* result) noexcept {
-  if (scope == nullptr || result == nullptr) return false;
+constexpr auto& RunAny = RunWorker<ixomep::Evaluate>;
+
+// What functions of a host ask for most: a number under a name of the innermost scope, into a value
+// that is there. False, and nothing is done, for everything else.
+inline bool StoreNumber(const IxoMepExprNode& node, const IxoMepValueSet* scope,
+                        IxoMepValue* result) noexcept {
+  if (node.GetType() != Kind::Variable || scope == nullptr || result == nullptr) return false;
   if (IxoMepExprNode::m_nCallDepth > ixomep::CallDepth::kMax) return false;
-  const IxoMepValue* const value = scope->FindInBucket(IxoMepValueSet::IndexOf(name), name);
+  const IxoMepValue* const value =
+      scope->FindInline(NodeAccess::Bucket(node), node.GetNameAddress());
   if (value == nullptr || !ixomep::IsScalar(*value)) return false;
+  const bool owns_nothing =
+      ixomep::IsScalar(*result) || result->GetType() == IxoMepValueType::Undefined;
+  if (!owns_nothing) return false;
   IxoMepExprNode::m_nCallDepth = 0;
-  *result = *value;
+  ixomep::ValueAccess::SetScalar(*result, value->GetType(), ixomep::ValueAccess::Bits(*value));
   return true;
 }
 
-// One parameter of a call, null when the call has none there.
-inline IxoMepErrorEnum EvaluateParam(const IxoMepExprNode& call, const IxoMepExprNode* param,
+// The cell of a call's parameter list behind this one (the call's first one behind the call).
+inline const IxoMepExprNode* NextCell(const IxoMepExprNode* cell) noexcept {
+  return cell != nullptr ? cell->Right() : nullptr;
+}
+
+// The parameter in a cell, which is null when the call has none there.
+inline IxoMepErrorEnum EvaluateParam(const IxoMepExprNode& call, const IxoMepExprNode* cell,
                                      const IxoMepExpressionParser* parser, IxoMepValueSet* scope,
                                      IxoMepValue*& result, String& text, bool strict) {
-  if (param != nullptr) return param->Evaluate(parser, scope, result, text, strict);
+  if (cell != nullptr && cell->GetType() != Kind::Constant) {
+    const IxoMepExprNode* const param = NodeAccess::Left(*cell);
+    if (param != nullptr) return param->Evaluate(parser, scope, result, text, strict);
+  }
   FailResult(result, scope);
   return IxoMepError::MakeFunctionError(text, IMEPERR_WRONG_ARGUMENT_COUNT, &call);
 }
@@ -107,29 +126,29 @@ void ixomep::FailResult(IxoMepValue*& slot, const IxoMepValueSet* scope) noexcep
 IxoMepErrorEnum IxoMepExprNode::Evaluate(const IxoMepExpressionParser* parser,
                                          IxoMepValueSet* scope, IxoMepValue*& result,
                                          String& errorText, bool strict) const {
-  if (kind_ == Kind::Variable && StoreNumber(name_, scope, result)) return IMEPERR_NONE;
-  return RunWorker(ixomep::Evaluate, *this, parser, scope, result, errorText, strict);
+  if (StoreNumber(*this, scope, result)) return IMEPERR_NONE;
+  return RunAny(*this, parser, scope, result, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::EvaluateOpCall(const IxoMepExpressionParser* parser,
                                                IxoMepValueSet* scope, IxoMepValue*& result,
                                                String& errorText, bool strict) const {
-  Worker& worker = IsOperator(kind_) ? ixomep::EvaluateOperator : ixomep::Evaluate;
-  return RunWorker(worker, *this, parser, scope, result, errorText, strict);
+  const auto worker = IsOperator(kind_) ? &RunWorker<ixomep::EvaluateOperator> : &RunAny;
+  return worker(*this, parser, scope, result, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::EvaluateFunctionCall(const IxoMepExpressionParser* parser,
                                                      IxoMepValueSet* scope, IxoMepValue*& result,
                                                      String& errorText, bool strict) const {
-  Worker& worker = kind_ == Kind::FunctionCall ? ixomep::EvaluateCall : ixomep::Evaluate;
-  return RunWorker(worker, *this, parser, scope, result, errorText, strict);
+  const auto worker = kind_ == Kind::FunctionCall ? &RunWorker<ixomep::EvaluateCall> : &RunAny;
+  return worker(*this, parser, scope, result, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::EvaluateMethodCall(const IxoMepExpressionParser* parser,
                                                    IxoMepValueSet* scope, IxoMepValue*& result,
                                                    String& errorText, bool strict) const {
-  Worker& worker = IsMethodCall(*this) ? ixomep::EvaluateMethod : ixomep::Evaluate;
-  return RunWorker(worker, *this, parser, scope, result, errorText, strict);
+  const auto worker = IsMethodCall(*this) ? &RunWorker<ixomep::EvaluateMethod> : &RunAny;
+  return worker(*this, parser, scope, result, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::EvaluateObjectSubscriptionCall(const IxoMepExpressionParser* parser,
@@ -137,8 +156,9 @@ IxoMepErrorEnum IxoMepExprNode::EvaluateObjectSubscriptionCall(const IxoMepExpre
                                                                IxoMepValue*& result,
                                                                String& errorText,
                                                                bool strict) const {
-  Worker& worker = kind_ == Kind::ObjectSubscription ? ixomep::EvaluateProperty : ixomep::Evaluate;
-  return RunWorker(worker, *this, parser, scope, result, errorText, strict);
+  const auto worker =
+      kind_ == Kind::ObjectSubscription ? &RunWorker<ixomep::EvaluateProperty> : &RunAny;
+  return worker(*this, parser, scope, result, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::EvaluateLValue(const IxoMepExpressionParser* parser,
@@ -208,7 +228,7 @@ IxoMepErrorEnum IxoMepExprNode::EvaluateLambda(const IxoMepExprNode* lambda,
 IxoMepErrorEnum IxoMepExprNode::GetParamResult(const IxoMepExpressionParser* parser,
                                                IxoMepValueSet* scope, IxoMepValue*& result,
                                                String& errorText, bool strict) const {
-  return EvaluateParam(*this, GetParam1(), parser, scope, result, errorText, strict);
+  return EvaluateParam(*this, right_, parser, scope, result, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::GetParamResults(const IxoMepExpressionParser* parser,
@@ -216,9 +236,9 @@ IxoMepErrorEnum IxoMepExprNode::GetParamResults(const IxoMepExpressionParser* pa
                                                 IxoMepValue*& second, String& errorText,
                                                 bool strict) const {
   const IxoMepErrorEnum code =
-      EvaluateParam(*this, GetParam1(), parser, scope, first, errorText, strict);
+      EvaluateParam(*this, right_, parser, scope, first, errorText, strict);
   if (code != IMEPERR_NONE) return code;
-  return EvaluateParam(*this, GetParam2(), parser, scope, second, errorText, strict);
+  return EvaluateParam(*this, NextCell(right_), parser, scope, second, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExprNode::GetParamResults(const IxoMepExpressionParser* parser,
@@ -227,5 +247,5 @@ IxoMepErrorEnum IxoMepExprNode::GetParamResults(const IxoMepExpressionParser* pa
                                                 String& errorText, bool strict) const {
   const IxoMepErrorEnum code = GetParamResults(parser, scope, first, second, errorText, strict);
   if (code != IMEPERR_NONE) return code;
-  return EvaluateParam(*this, GetParam3(), parser, scope, third, errorText, strict);
+  return EvaluateParam(*this, NextCell(NextCell(right_)), parser, scope, third, errorText, strict);
 }

@@ -80,19 +80,30 @@ IxoMepErrorEnum IxoMepExpressionParser::SetExpression(const String& text, String
   return code;
 }
 
+namespace {
+
+// Variables that the expression creates are discarded with the scope.
+IxoMepErrorEnum EvaluateInOwnScope(const IxoMepExprNode& root, const IxoMepExpressionParser* parser,
+                                   IxoMepValueSet* scope, IxoMepValue*& result, String& text,
+                                   bool strict) {
+  const IxoMepErrorEnum code = ixomep::Guarded(text, [&] {
+    const ixomep::PooledScope own(scope);
+    return ixomep::EvaluateToSlot(root, parser, own.get(), result, text, strict);
+  });
+  if (code != IMEPERR_NONE) ixomep::FailResult(result, scope);
+  return code;
+}
+
+}  // namespace
+
 // Meant: 36 leaves result and errorText alone.
 IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepValue*& result,
                                                  String& errorText, bool strict,
                                                  bool ownScope) const {
   if (tree_ == nullptr) return IMEPERR_UNEXPECTED_TYPE;
   IxoMepExprNode::m_nCallDepth = 0;
-  if (!ownScope) return ixomep::EvaluateToSlot(*tree_, this, scope, result, errorText, strict);
-  const IxoMepErrorEnum code = ixomep::Guarded(errorText, [&] {
-    const ixomep::PooledScope own(scope);
-    return ixomep::EvaluateToSlot(*tree_, this, own.get(), result, errorText, strict);
-  });
-  if (code != IMEPERR_NONE) ixomep::FailResult(result, scope);
-  return code;
+  const auto evaluate = ownScope ? &EvaluateInOwnScope : &ixomep::EvaluateToSlot;
+  return evaluate(*tree_, this, scope, result, errorText, strict);
 }
 
 IxoMepErrorEnum IxoMepExpressionParser::EvaluateFunctionCall(const IxoMepExprNode* call,

@@ -7,6 +7,7 @@
 
 #include "ixomep/expr/node_ptr.h"
 #include "ixomep/expr/program.h"
+#include "ixomep/expr/value_set.h"
 #include "ixomep/values/engine_hooks.h"
 #include "ixomep/values/free_list.h"
 #include "ixomep/values/teardown.h"
@@ -90,7 +91,11 @@ bool ixomep::BuryDoomedNodes() noexcept {
 }
 
 IxoMepExprNode::IxoMepExprNode(Kind kind, const char* name)
-    : kind_(kind), extra_references_(0), left_(nullptr), right_(nullptr), name_(name) {
+    : kind_(kind),
+      extra_references_(name != nullptr ? IxoMepValueSet::IndexOf(name) << kBucketShift : 0),
+      left_(nullptr),
+      right_(nullptr),
+      name_(name) {
   if (kind == Kind::Constant) value_ = nullptr;
   static const bool functions_known = (InitFunctionCallMap(), true);
   static_cast<void>(functions_known);

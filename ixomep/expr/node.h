@@ -149,9 +149,11 @@ class IXOMEP_API IxoMepExprNode {
 
  private:
   friend struct ixomep::NodeAccess;
-  // The count of further owners never passes 16 bits; the top two bits beside it tell what the
-  // engine knows of the tree that begins here (NodeAccess::Mark).
-  static constexpr std::uint32_t kCountMask = 0x3fffffffu;
+  // The count of further owners never passes 16 bits. Beside it stand the bucket of a scope in
+  // which the name is looked up, and in the top two bits what the engine knows of the tree that
+  // begins here (NodeAccess::Mark).
+  static constexpr std::uint32_t kCountMask = 0xffffu;
+  static constexpr std::uint32_t kBucketShift = 16;
   static constexpr std::uint32_t kMaxExtraReferences = 65535;
   ~IxoMepExprNode() = default;  // DeleteReference is the only way out
 

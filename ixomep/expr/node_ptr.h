@@ -2,6 +2,7 @@
 // and walk trees.
 #pragma once
 
+#include <cstdint>
 #include <utility>
 
 #include "ixomep/expr/node.h"
@@ -38,12 +39,18 @@ struct NodeAccess {
   }
   // What is known of the tree that begins at the node (program_table.cpp).
   enum class Mark : std::uint32_t { Fresh, Seen, HasEntry };
+  static constexpr std::uint32_t kMarkShift = 30;
+  static constexpr std::uint32_t kBelowMark = (std::uint32_t{1} << kMarkShift) - 1;
   static Mark GetMark(const IxoMepExprNode& n) noexcept {
-    return static_cast<Mark>(n.extra_references_ >> 30);
+    return static_cast<Mark>(n.extra_references_ >> kMarkShift);
   }
   static void SetMark(const IxoMepExprNode& n, Mark mark) noexcept {
-    n.extra_references_ =
-        (n.extra_references_ & IxoMepExprNode::kCountMask) | static_cast<std::uint32_t>(mark) << 30;
+    n.extra_references_ = (n.extra_references_ & kBelowMark) | static_cast<std::uint32_t>(mark)
+                                                                   << kMarkShift;
+  }
+  // IxoMepValueSet::IndexOf of the name that the node was made with; without one, nothing.
+  static std::uint32_t Bucket(const IxoMepExprNode& n) noexcept {
+    return (n.extra_references_ & kBelowMark) >> IxoMepExprNode::kBucketShift;
   }
   // Returns the block to the pool; value and children are the caller's.
   static void Free(IxoMepExprNode& n) noexcept { delete &n; }

@@ -260,7 +260,9 @@ inline CachedProgram& CachedProgramFor(const IxoMepExprNode& node) noexcept {
 const Program* FindProgram(const IxoMepExprNode& node);
 inline const Program* ProgramFor(const IxoMepExprNode& node) {
   const CachedProgram& cached = CachedProgramFor(node);
-  return cached.node == &node ? cached.program : FindProgram(node);
+  if (cached.node == &node) [[likely]]
+    return cached.program;
+  return FindProgram(node);
 }
 // Off: everything is walked, until it is switched on again. For comparing both ways. Gives what
 // was set before.

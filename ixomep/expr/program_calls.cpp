@@ -66,11 +66,8 @@ Reg CallByProgram(const CallOp& call, const IxoMepExprNode& lambda, const Progra
     if (r.tag == kTagFailed) return r;
     arguments[i] = OwnedValue(r);
   }
-  std::int32_t entry_depth = 0;
-  if (kArguments == 0) {
-    RestoreDepth(call.depth.Inside(), run);
-    entry_depth = IxoMepExprNode::m_nCallDepth;
-  }
+  // Without arguments the counter stands where the call began.
+  const std::int32_t entry_depth = kArguments == 0 ? IxoMepExprNode::m_nCallDepth : 0;
   const CallLevel counted;
   if (!counted.IsAllowed()) return FailLimit(run);
   Frame frame{run.Parser(), nullptr, run.Text(), run.IsStrict()};

@@ -16,15 +16,13 @@ namespace {
 
 using Kind = IxoMepExprNodeType;
 
-// Deeper trees are walked: operations nest on the native stack without asking how much is left.
+// Deeper trees are walked: operations nest on the native stack without asking how much is left. The
+// spine of a program is no longer than that, too.
 constexpr std::int32_t kMaxNesting = 120;
-constexpr std::int32_t kMaxSpine = 250;
 
 class Compiler {
  public:
   explicit Compiler(Program& program) : program_(program) {}
-
-  bool Succeeded() const noexcept { return program_.spine <= kMaxSpine && !too_long_; }
 
   const Op* Value(const IxoMepExprNode& node, SpineDepth depth) {
     return Counted(node, depth, &Compiler::MakeValueOp);
@@ -38,11 +36,7 @@ class Compiler {
   using Maker = const Op* (Compiler::*)(const IxoMepExprNode& node, SpineDepth depth);
 
   const Op* Counted(const IxoMepExprNode& node, SpineDepth depth, Maker maker) {
-    if (depth.above_entry) {
-      program_.spine = std::max(program_.spine, depth.count + 1);
-    } else if (depth.count >= kMaxSpine) {
-      too_long_ = true;
-    }
+    if (depth.above_entry) program_.spine = std::max(program_.spine, depth.count + 1);
     if (nesting_ >= kMaxNesting) return Plain(node, depth);
     ++nesting_;
     const Op* const op = (this->*maker)(node, depth);
@@ -142,6 +136,7 @@ class Compiler {
     if (operand.op->fn == &RunNumber) {
       operand.shape = Shape::Number;
       operand.number = static_cast<const NumberOp*>(operand.op)->number;
+      operand.landmark = Landmark(NumberOf(operand.number));
     } else if (operand.op->fn == &RunVariable) {
       operand.shape = Shape::Variable;
       operand.name = static_cast<const VariableOp*>(operand.op)->name;
@@ -347,7 +342,6 @@ class Compiler {
 
   Program& program_;
   std::int32_t nesting_ = 0;
-  bool too_long_ = false;
 };
 
 // False for a lambda with more parameters than a level holds, or two of one name.
@@ -378,7 +372,6 @@ std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node) {
   if (root == nullptr || (is_lambda && !ReadParameters(node, *program))) return nullptr;
   Compiler compiler(*program);
   program->root = compiler.Value(*root, SpineDepth());
-  if (!compiler.Succeeded()) return nullptr;
   return program;
 }
 

@@ -100,8 +100,12 @@ Reg RunBinary(const Op& op, Run& run) {
   } else if constexpr (kRight == Shape::General) {
     return RunBinarySlowly<kKind>(binary, run);
   } else {
-    const Reg result = Compute<kKind>(NumberAtOnce<kLeft>(binary.left, run),
-                                      NumberAtOnce<kRight>(binary.right, run));
+    const Reg left = NumberAtOnce<kLeft>(binary.left, run);
+    if constexpr (IsComparison(kKind) && kRight == Shape::Number) {
+      const int side = left.tag == kTagReal ? binary.right.landmark.SideOf(RealOf(left)) : 0;
+      if (side != 0) return IntegerReg(Compared<kKind>(side, 0));
+    }
+    const Reg result = Compute<kKind>(left, NumberAtOnce<kRight>(binary.right, run));
     return result.tag != kNotMine.tag ? result : RunBinarySlowly<kKind>(binary, run);
   }
 }
@@ -206,7 +210,8 @@ const IxoMepValue* Borrow(const Operand& operand, Run& run) {
 }
 
 // What the index selects; null for everything that fails. An absent entry is undefined.
-const IxoMepValue* Select(const IxoMepValue& base, const IxoMepValue& index) {
+[[gnu::always_inline]] inline const IxoMepValue* Select(const IxoMepValue& base,
+                                                        const IxoMepValue& index) {
   if (base.GetType() == Type::Map) {
     const IxoMepValue* const entry = ValueAccess::FindEntry(base, ValueAccess::Follow(index));
     return entry != nullptr ? entry : IxoMepValue::GetNull();
@@ -243,13 +248,27 @@ const IxoMepValue* BorrowElement(const ElementOp& element, Run& run) {
   return named != nullptr ? Select(*base, *named) : nullptr;
 }
 
+// The same for a name subscripted by a name, where one comparison finds each; else null.
+const IxoMepValue* SelectAtOnce(const ElementOp& element, const Run& run) {
+  const auto find = [&run](const Operand& operand) noexcept -> const IxoMepValue* {
+    if (operand.shape == Shape::Variable) return run.FindAtOnce(operand.name);
+    return operand.shape == Shape::Argument ? run.Argument(operand.argument) : nullptr;
+  };
+  const IxoMepValue* const base = find(element.base);
+  const IxoMepValue* const index = find(element.index);
+  return base != nullptr && index != nullptr ? Select(*base, *index) : nullptr;
+}
+
 }  // namespace
 
 Reg ReadAbsent(const Op& op, Run& run) {
   return run.IsStrict() ? RunPlainly(op, run) : Reg{kTagUndefined, 0};
 }
 
-Reg CopyOfOwner(const IxoMepValue& value) { return RegOf(IxoMepValue(value)); }
+Reg CopyOfOwner(const IxoMepValue& value) {
+  if (value.GetType() == Type::String) return {kTagString, ValueAccess::ShareText(value)};
+  return RegOf(IxoMepValue(value));
+}
 
 const IxoMepValue* ReadOperand(const Operand& operand, Run& run, IxoMepValue& storage) {
   if (const IxoMepValue* const found = Borrow(operand, run)) return found;
@@ -275,9 +294,9 @@ Reg RunArgument(const Op& op, Run& run) {
   return value != nullptr ? CopyOf(*value) : ReadAbsent(op, run);
 }
 
-// An element is found from a base that is looked at where it stands, never copied on the way. Base
-// and index are quiet, so that everything but a hit may be evaluated again the plain way.
-Reg RunElement(const Op& op, Run& run) {
+namespace {
+
+[[gnu::noinline]] Reg RunElementSlowly(const Op& op, Run& run) {
   const auto& element = As<ElementOp>(op);
   if (const IxoMepValue* const value = BorrowElement(element, run)) return CopyOf(*value);
   if (IsBorrowed(element.base)) return RunPlainly(op, run);
@@ -289,6 +308,15 @@ Reg RunElement(const Op& op, Run& run) {
   const IxoMepValue* const index = ReadOperand(element.index, run, storage);
   const IxoMepValue* const value = index != nullptr ? Select(base, *index) : nullptr;
   return value != nullptr ? CopyOf(*value) : RunPlainly(op, run);
+}
+
+}  // namespace
+
+// An element is found from a base that is looked at where it stands, never copied on the way. Base
+// and index are quiet, so that everything but a hit may be evaluated again the plain way.
+Reg RunElement(const Op& op, Run& run) {
+  const IxoMepValue* const value = SelectAtOnce(As<ElementOp>(op), run);
+  return value != nullptr ? CopyOf(*value) : RunElementSlowly(op, run);
 }
 
 Op::Fn BinaryFunction(Kind kind, Shape left, Shape right) noexcept {

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "ixomep/expr/decimal_compare.h"
 #include "ixomep/expr/program.h"
 
 namespace ixomep {
@@ -18,6 +19,7 @@ struct Operand {
   NameRef name;            // of a variable or argument
   std::int32_t argument = 0;
   Reg number{0, 0};
+  Landmark landmark;   // at that number
   bool quiet = false;  // evaluating it changes nothing and calls nobody
 };
 

@@ -72,7 +72,9 @@ const Program* ProgramWithRoom(const IxoMepExprNode& keeper) {
   const Program* const program = ProgramFor(keeper);
   if (program == nullptr) return nullptr;
   const bool fits = IxoMepExprNode::m_nCallDepth + program->spine <= kLongestSpine;
-  return fits && StackGuard::HasRoom() ? program : nullptr;
+  if (!fits || !StackGuard::HasRoom()) [[unlikely]]
+    return nullptr;
+  return program;
 }
 
 inline Reg RunProgram(const Program& program, Frame& frame, IxoMepErrorEnum& code) {
@@ -147,7 +149,8 @@ IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressio
       return RaiseLimit(text);
     const NodePtr held = NodePtr::Share(&root);
     const Program* const program = IsInert(*held) ? nullptr : ProgramWithRoom(*held);
-    if (program == nullptr) return held->Evaluate(parser, scope, result, text, strict);
+    if (program == nullptr) [[unlikely]]
+      return held->Evaluate(parser, scope, result, text, strict);
     Frame frame{parser, scope, text, strict};
     IxoMepErrorEnum failure = IMEPERR_NONE;
     const Reg made = RunProgram(*program, frame, failure);

@@ -130,6 +130,7 @@ IxoMepErrorEnum Scanner::Read(TokenList& tokens, std::size_t count) {
 
 bool Scanner::ReadMore(TokenList& tokens) {
   if (code_ != IMEPERR_NONE || position_ == bytes_.size()) return false;
+  work_.Part();
   Read(tokens, TokenList::kBatch);
   return true;
 }

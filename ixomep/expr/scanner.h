@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "ixomep/expr/token_list.h"
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/host/string.h"
 #include "ixomep/values/error_code.h"
 #include "ixomep/values/raise.h"
@@ -51,6 +52,7 @@ class Scanner final : public TokenSource {
   IxoMepStringAddressMap& names_ = IxoMepStringAddressMap::Global();
   std::size_t position_ = 0;
   std::size_t start_ = 0;
+  LongWork work_;
   IxoMepErrorEnum code_ = IMEPERR_NONE;
   String error_text_;
 };

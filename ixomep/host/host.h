@@ -106,9 +106,10 @@ class IXOMEP_API IxoHost {
 
   // Interruption ------------------------------------------------------------------------------
 
-  // Is what is being evaluated to be ended? It ends with code 38 then. Asked again and again: of an
-  // installed host when an outermost evaluation begins, at the latest after 4096 steps (IxoLimits),
-  // and now and then during long work of a built-in function. Default: no.
+  // Is what is being evaluated, read or written as XML to be ended? It ends with code 38 then.
+  // Asked again and again: of an installed host when an outermost evaluation begins, at the latest
+  // after 4096 steps (IxoLimits), and now and then during long work of a built-in function and
+  // while a long text is read or written. Keep to a yes until all has ended. Default: no.
   virtual bool IsInterruptRequested() noexcept;
 };
 

@@ -35,7 +35,7 @@ bool LimitWatch::BeginSlowly() noexcept {
 
 void LimitWatch::BeginWork() {
   work_left_ = kPortion;
-  if (IsInterrupted()) throw LimitExceeded(Limit::Interrupt);
+  Ask();
 }
 
 bool LimitWatch::IsInterrupted() noexcept {

@@ -49,6 +49,18 @@ class LimitWatch {
   static void Work() {
     if (--work_left_ < 0) BeginWork();
   }
+  // The same for work that hosts begin themselves too, where nobody awaits an end: nothing outside
+  // evaluations.
+  static void WorkOfEvaluation() {
+    if (IsEvaluating()) Work();
+  }
+  static bool IsEvaluating() noexcept { return depth_ != 0; }
+  // Throws LimitExceeded when the host asks for the end.
+  static void Ask() {
+    if (IsInterrupted()) throw LimitExceeded(Limit::Interrupt);
+  }
+  // Does the host ask for the end? Nobody is asked while it is being asked.
+  static bool IsInterrupted() noexcept;
 
   // The limit that was exceeded, until the outermost evaluation has ended.
   static Limit Exceeded() noexcept { return exceeded_; }
@@ -92,7 +104,6 @@ class LimitWatch {
   }
   static void TakePortion() noexcept;
   static void Forget() noexcept;
-  static bool IsInterrupted() noexcept;
 
   inline static std::int32_t left_ = kPortion;  // of the portion
   inline static std::int32_t depth_ = 0;        // levels that are open
@@ -148,6 +159,26 @@ class OuterEntry {
 
  private:
   bool is_outermost_;
+};
+
+// One piece of work that may be long, inside an evaluation or not, such as the reading of a text:
+// asks the host now and then, never when the work turns out to be short.
+class LongWork {
+ public:
+  // One small part of it; throws LimitExceeded when the host asks for the end.
+  void Part() {
+    if (--left_ < 0) Ask();
+  }
+
+ private:
+  static constexpr std::int32_t kParts = 1024;
+
+  void Ask() {
+    left_ = kParts;
+    LimitWatch::Ask();
+  }
+
+  std::int32_t left_ = kParts;
 };
 
 }  // namespace ixomep

@@ -1,5 +1,6 @@
 // IxoLimits: what evaluations may use up before they are ended. An application that evaluates
-// expressions of strangers sets them with IxoHost::SetLimits.
+// expressions of strangers sets them with IxoHost::SetLimits. The limit of memory holds, and is
+// named, while texts are read and converted as well.
 #pragma once
 
 #include <cstddef>

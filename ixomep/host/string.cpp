@@ -47,9 +47,26 @@ namespace {
 
 constexpr std::int64_t kMaxCapacity = String::kMaxLength;
 
-// memcpy with a null pointer is undefined even for no bytes.
+// The first and the last bytes of a text that is no longer than both together.
+template <std::size_t kBytes>
+void CopyEnds(char* to, std::string_view from) noexcept {
+  char first[kBytes], last[kBytes];
+  std::memcpy(first, from.data(), kBytes);
+  std::memcpy(last, from.data() + from.size() - kBytes, kBytes);
+  std::memcpy(to, first, kBytes);
+  std::memcpy(to + from.size() - kBytes, last, kBytes);
+}
+
+// memcpy with a null pointer is undefined even for no bytes. For the few bytes that most texts have
+// the call costs more than the copy.
 void CopyBytes(char* to, std::string_view from) noexcept {
-  if (!from.empty()) std::memcpy(to, from.data(), from.size());
+  if (from.size() >= 8 && from.size() <= 16) {
+    CopyEnds<8>(to, from);
+  } else if (from.size() >= 4 && from.size() < 8) {
+    CopyEnds<4>(to, from);
+  } else if (!from.empty()) {
+    std::memcpy(to, from.data(), from.size());
+  }
 }
 
 // Short texts come and go with every evaluation. Their blocks are kept for the next ones, a few of

@@ -7,14 +7,15 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <exception>
 #include <functional>
-#include <new>
 #include <optional>
 #include <string_view>
 #include <vector>
 
 #include "ixomep/host/core_time.h"
 #include "ixomep/host/encodings.h"
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/host/numbers.h"
 #include "ixomep/parser/element_view.h"
@@ -144,10 +145,11 @@ class Writer {
   };
 
   void Step() {
+    work_.Part();
     Level& level = levels_.back();
     if (level.next == level.body.Count()) return Leave();
     const ElementView element = level.body.Enter(level.next++);
-    if (!element) throw std::bad_alloc();
+    if (!element) ixomep::MemoryBudget::Refuse();
     WriteIndent();
     Level inner;
     if (const ixomep::Document* const records = element.Records()) {
@@ -385,6 +387,7 @@ class Writer {
   bool xml_names_;
   bool is_ascii_itself_;
   std::vector<Level> levels_;
+  ixomep::LongWork work_;
   // Of elements that are objects, and of those in records.
   ixomep::XmlNameSet written_;
   ixomep::XmlNames xml_name_of_;
@@ -400,7 +403,7 @@ IxoMepConverter::IxoMepConverter(const String& text) : IxoMepParser(text, kConte
 
 String IxoMepConverter::ToXML(bool withDeclaration, const String& rootName) {
   if (withDeclaration) escape_flag_ = false;
-  return ixomep::OrNeutral(String(), [&] {
+  try {
     String xml;
     ReserveFor(GetTextLen(), xml);
     ixomep::XmlBuffer out(xml);
@@ -419,7 +422,10 @@ String IxoMepConverter::ToXML(bool withDeclaration, const String& rootName) {
     out.Flush();
     const bool is_mostly_unused = xml.Len() < GetTextLen() / 2;
     return is_mostly_unused ? String(xml.view()) : xml;
-  });
+  } catch (const std::exception& cause) {
+    NoteNoMemory(cause);
+    return String();
+  }
 }
 
 String IxoMepConverter::ToExportStr(const IxoMepValue* value) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "ixomep/expr/expression_parser.h"
+#include "ixomep/host/memory_budget.h"
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/literal_reader.h"
 #include "ixomep/parser/parser.h"
@@ -58,7 +59,7 @@ IxoMepValue Document::ReadLiteral(const LiteralRecord& literal) const {
       LiteralContext context(nullptr, 0);
       std::size_t position = literal.at;
       const ValuePtr value = ixomep::ReadLiteral({bytes}, position, context);
-      if (value == nullptr) throw std::bad_alloc();
+      if (value == nullptr) MemoryBudget::Refuse();
       return std::move(*value);
     }
   }
@@ -69,7 +70,7 @@ ValuePtr Document::CompileSource(const LiteralRecord& literal) const {
   String error_text;
   const String source(text_.view().substr(literal.at, literal.size));
   // Known to be right: only memory can be missing.
-  if (expression->SetExpression(source, error_text) != IMEPERR_NONE) throw std::bad_alloc();
+  if (expression->SetExpression(source, error_text) != IMEPERR_NONE) MemoryBudget::Refuse();
   expression->SetLineNo(static_cast<std::uint32_t>(LineAt(literal.at)));
   ValuePtr value = MakeValue(expression.get(), true);
   (void)expression.release();

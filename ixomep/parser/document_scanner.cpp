@@ -63,6 +63,7 @@ bool DocumentScanner::Read(FoldedLiterals& folded) {
 bool DocumentScanner::Scan() {
   gap_ = at_;
   for (;;) {
+    work_.Part();
     ReadFollowers();
     item_ = at_;
     at_ = SkipQuick(at_, kQuickWhite);
@@ -188,6 +189,7 @@ void DocumentScanner::ReadFollowers() {
   const char* at = at_;
   std::uint32_t last = last_;
   while (last < followers_.Size() && at < block_end_) {
+    work_.Part();
     const Follower follower = followers_[last];
     if (!IsSame(at, text_ + follower.at, follower.size) || !MayFollow(follower)) break;
     const char* end = at + follower.size;

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/parser/byte_block.h"
 #include "ixomep/parser/byte_kinds.h"
 #include "ixomep/parser/document.h"
@@ -142,6 +143,7 @@ class DocumentScanner {
   std::unique_ptr<NameTable> sources_;
   std::vector<std::uint32_t> made_of_source_;
   std::vector<char> brackets_;
+  LongWork work_;
 
   RecordArray<Follower> followers_;  // by the item before
   std::uint32_t last_ = kAfterCloser;

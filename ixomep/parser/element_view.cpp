@@ -1,7 +1,7 @@
 // The element that stands for none, and the text of a body. See element_view.h.
 #include "ixomep/parser/element_view.h"
 
-#include <new>
+#include "ixomep/host/memory_budget.h"
 
 namespace ixomep {
 
@@ -17,7 +17,7 @@ std::string_view BodyView::Text(String& room) const {
     return document_->Text().view().substr(body.start, body.end - body.start);
   }
   room = parser->GetText();
-  if (room.Len() != parser->GetTextLen()) throw std::bad_alloc();
+  if (room.Len() != parser->GetTextLen()) MemoryBudget::Refuse();
   return room.view();
 }
 

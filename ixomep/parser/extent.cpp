@@ -56,6 +56,7 @@ void Extents::Record(std::size_t open, std::size_t end) {
   std::uint32_t dirty_above = first;  // open pairs below this entry's index hold a loose bracket
   std::size_t position = open;
   while (position < end) {
+    work_.Part();
     const char byte = text_[position];
     const std::size_t skipped = SkipUnit(text_, position, end);
     if (skipped != position) {
@@ -103,7 +104,7 @@ const Extents::Pair& Extents::PairAt(std::size_t open, std::size_t end, std::siz
   }
   // Questions mostly come in order: try the last answer and its neighbour first.
   const auto at = Narrow(open);
-  if (last_found_ < pairs_.size() && pairs_[last_found_].open == at) return pairs_[last_found_];
+  if (pairs_[last_found_].open == at) return pairs_[last_found_];
   if (last_found_ + 1 < pairs_.size() && pairs_[last_found_ + 1].open == at) {
     return pairs_[++last_found_];
   }
@@ -131,6 +132,7 @@ AttributeExtent Extents::FindAttributeEnd(std::size_t start, std::size_t end) {
   std::vector<char> open;  // allocates nothing while it stays empty
   std::size_t position = start;
   while ((position = Find(text_, position, end, kAttrStop)) < end) {
+    work_.Part();
     const char byte = text_[position];
     if (Is(byte, kWhite)) {
       if (open.empty()) return {position};
@@ -184,6 +186,7 @@ std::size_t Extents::FindStatementEnd(std::size_t start, std::size_t end) {
   std::ptrdiff_t depth = 0;  // below 0 behind a loose "}"
   std::size_t position = start;
   while ((position = Find(text_, position, end, kLineStop)) < end) {
+    work_.Part();
     const char byte = text_[position];
     const std::size_t skipped = SkipUnit(text_, position, end);
     if (skipped != position) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/values/error_code.h"
 
 namespace ixomep {
@@ -74,6 +75,7 @@ class Extents {
   std::size_t last_found_ = 0;      // where the last question was answered
   std::size_t next_semicolon_ = 0;  // no ";" from semicolon_from_ up to here
   std::size_t semicolon_from_ = 0;
+  LongWork work_;
   std::vector<char> openers_;  // room for Record
   std::vector<std::uint32_t> braces_;
 };

@@ -38,6 +38,7 @@ bool IsErrorCode(int number) noexcept {
 IxoMepErrorEnum Grammar::ReadStretch() {
   const std::size_t depth = frames_.size();
   while (frames_.size() == depth) {
+    work_.Part();
     ReadingFrame& frame = Top();
     if (frame.position >= frame.end) break;
     const char byte = frame.bytes[frame.position];

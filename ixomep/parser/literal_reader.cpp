@@ -48,13 +48,8 @@ ValuePtr Guarded(Reader read, const LiteralText& text, std::size_t& position,
                  LiteralContext& context, IxoMepErrorEnum no_memory) noexcept {
   try {
     return read(text, position, context);
-  } catch (const std::exception&) {
-    context.code = no_memory;
-  }
-  try {
-    Raise(context.error_text, no_memory);
-  } catch (const std::exception&) {
-    context.error_text.Clear();
+  } catch (const std::exception& cause) {
+    context.code = RaiseNoMemory(context.error_text, no_memory, cause);
   }
   return nullptr;
 }

@@ -1,8 +1,8 @@
 // The elements of a parser as objects: made of the records when somebody asks for one, and then
 // kept at their address. See document.h.
 #include <exception>
-#include <new>
 
+#include "ixomep/host/memory_budget.h"
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/element_view.h"
 #include "ixomep/parser/parser.h"
@@ -49,9 +49,9 @@ IxoMepElement& IxoMepParser::Current() const noexcept {
 void IxoMepParser::MakeAll() {
   if (records_ == nullptr) return;
   for (std::int32_t i = 0; i < GetElemCount(); ++i) {
-    if (ElementAt(i) == nullptr) throw std::bad_alloc();
+    if (ElementAt(i) == nullptr) ixomep::MemoryBudget::Refuse();
   }
-  if (has_loose_record_ && Loose() == nullptr) throw std::bad_alloc();
+  if (has_loose_record_ && Loose() == nullptr) ixomep::MemoryBudget::Refuse();
   ForgetRecords();
 }
 

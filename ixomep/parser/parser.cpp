@@ -8,12 +8,15 @@
 #include <typeinfo>
 
 #include "ixomep/expr/expression_parser.h"
+#include "ixomep/host/limit_watch.h"
+#include "ixomep/host/memory_budget.h"
 #include "ixomep/parser/converter.h"
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/document_scanner.h"
 #include "ixomep/parser/element_view.h"
 #include "ixomep/parser/reader.h"
 #include "ixomep/parser/spliced_text.h"
+#include "ixomep/values/raise.h"
 
 namespace {
 
@@ -111,8 +114,8 @@ void IxoMepParser::SetText(const String& text) {
 IxoMepErrorEnum IxoMepParser::Parse() {
   try {
     MakeAll();
-  } catch (const std::exception&) {
-    return NoteNoMemory();
+  } catch (const std::exception& cause) {
+    return NoteNoMemory(cause);
   }
   return Parse(start_, length_, first_line_);
 }
@@ -141,6 +144,9 @@ bool IxoMepParser::ReadQuickly(std::int32_t start, std::int32_t length, std::int
     current_index_ = 0;
     current_ = nullptr;
     return true;
+  } catch (const ixomep::LimitExceeded& exceeded) {
+    if (exceeded.Which() == ixomep::Limit::Interrupt) throw;
+    return false;
   } catch (const std::exception&) {
     return false;  // the Grammar says where the memory ends
   }
@@ -154,19 +160,21 @@ IxoMepErrorEnum IxoMepParser::Parse(std::int32_t start, std::int32_t length,
     ixomep::FoldedLiterals folded;
     if (ReadQuickly(start, length, first_line, folded)) return IMEPERR_NONE;
     return ixomep::Grammar(&folded).Read(*this, start, length, first_line);
-  } catch (const std::exception&) {
-    return NoteNoMemory();
+  } catch (const std::exception& cause) {
+    return NoteNoMemory(cause);
   }
 }
 
-IxoMepErrorEnum IxoMepParser::NoteNoMemory() noexcept {
-  error_code_ = IMEPERR_TOO_DEEP;
+IxoMepErrorEnum IxoMepParser::NoteNoMemory(const std::exception& cause) noexcept {
+  error_code_ = ixomep::RaiseNoMemory(error_text_, IMEPERR_TOO_DEEP, cause);
+  const ixomep::MemoryBudget::Reserve reserve;
   try {
-    MakeErrorText(IMEPERR_TOO_DEEP, -1);
+    NoteError(error_code_, -1);
+    AppendContextInfo(-1);
   } catch (const std::exception&) {
     error_text_.Clear();
   }
-  return IMEPERR_TOO_DEEP;
+  return error_code_;
 }
 
 void IxoMepParser::Compose() const {

@@ -7,6 +7,7 @@
 #include <concepts>
 #include <cstdint>
 #include <deque>
+#include <exception>
 #include <map>
 #include <memory>
 #include <vector>
@@ -217,6 +218,7 @@ class IXOMEP_API IxoMepParser {
   friend class ixomep::ElementView;
   friend class ixomep::Grammar;
   friend class ixomep::Splices;
+  friend class IxoMepConverter;
 
   // Drops the marker of a protected text and deciphers the rest (protected_text.cpp).
   void Init() noexcept;
@@ -227,8 +229,8 @@ class IXOMEP_API IxoMepParser {
   // The same for the records of a body; it belongs to the document.
   IxoMepParser(const ixomep::Document& document, const ixomep::BodyRecord& body) noexcept;
   IxoMepErrorEnum Parse(std::int32_t start, std::int32_t length, std::int32_t first_line);
-  // Code 38 with its text, for memory that cannot be had.
-  IxoMepErrorEnum NoteNoMemory() noexcept;
+  // Code 38 with its text, or that of a limit of the host, for memory that cannot be had.
+  IxoMepErrorEnum NoteNoMemory(const std::exception& cause) noexcept;
   // Makes records of the text and, when that succeeds, takes them for the elements.
   bool ReadQuickly(std::int32_t start, std::int32_t length, std::int32_t first_line,
                    std::deque<ixomep::FoldedLiteral>& folded);

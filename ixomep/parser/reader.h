@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/host/string.h"
 #include "ixomep/parser/element.h"
 #include "ixomep/parser/extent.h"
@@ -127,6 +128,7 @@ class Grammar {
   const String& Shared(std::string_view name);
 
   FoldedLiterals* folded_;
+  LongWork work_;
   std::vector<ReadingFrame> frames_;
   std::size_t error_position_ = 0;  // in the top frame's source
   std::int32_t includes_ = 0;

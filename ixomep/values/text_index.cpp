@@ -21,7 +21,7 @@ std::uint64_t WordAt(const char* bytes) noexcept {
 
 // The text in words of eight bytes, the last one overlapping the one before. Whoever makes keys
 // collide on purpose is sent to the order of the map.
-std::uint64_t HashOf(std::string_view text) noexcept {
+[[gnu::always_inline]] inline std::uint64_t HashOf(std::string_view text) noexcept {
   constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
   const std::size_t length = text.size();
   std::uint64_t hash = length * kFactor;
@@ -59,31 +59,31 @@ bool AreSame(std::string_view a, std::string_view b) noexcept {
   return true;
 }
 
-std::string_view TextOf(const TextIndex::Entry& entry) noexcept {
-  return ValueAccess::Text(*entry.first).view();
+const String& TextOf(const TextIndex::Entry& entry) noexcept {
+  return ValueAccess::Text(*entry.first);
 }
 
 }  // namespace
 
 const TextIndex::Entry* TextIndex::Find(std::string_view key) const noexcept {
   const std::uint64_t hash = HashOf(key);
-  const std::size_t mask = slots_.size() - 1;
-  std::size_t i = hash & mask;
+  std::size_t i = hash & mask_;
   for (std::size_t chain = 0; chain < kLongestChain && slots_[i].entry != nullptr;
-       ++chain, i = (i + 1) & mask) {
-    if (slots_[i].hash == hash && AreSame(TextOf(*slots_[i].entry), key)) return slots_[i].entry;
+       ++chain, i = (i + 1) & mask_) {
+    const Slot& slot = slots_[i];
+    if (slot.hash == hash && AreSame(slot.text.view(), key)) return slot.entry;
   }
   return nullptr;
 }
 
-bool TextIndex::Insert(std::string_view key, const Entry& entry) noexcept {
-  const std::uint64_t hash = HashOf(key);
-  const std::size_t mask = slots_.size() - 1;
-  std::size_t i = hash & mask;
-  for (std::size_t chain = 0; slots_[i].entry != nullptr; i = (i + 1) & mask) {
+bool TextIndex::Insert(const Entry& entry) noexcept {
+  const String& text = TextOf(entry);
+  const std::uint64_t hash = HashOf(text.view());
+  std::size_t i = hash & mask_;
+  for (std::size_t chain = 0; slots_[i].entry != nullptr; i = (i + 1) & mask_) {
     if (++chain == kLongestChain) return false;
   }
-  slots_[i] = {hash, &entry};
+  slots_[i] = {hash, &entry, text};
   return true;
 }
 
@@ -95,6 +95,7 @@ bool TextIndex::Build(const IxoMepValueMap& entries) noexcept {
     MemoryBudget::Take(size * sizeof(Slot));
     try {
       slots_.resize(size);
+      mask_ = size - 1;
     } catch (...) {
       MemoryBudget::Give(size * sizeof(Slot));
       throw;
@@ -105,7 +106,7 @@ bool TextIndex::Build(const IxoMepValueMap& entries) noexcept {
   for (const Entry& entry : entries) {
     const bool is_text =
         entry.first != nullptr && entry.first->GetType() == IxoMepValueType::String;
-    if (is_text && !Insert(TextOf(entry), entry)) {
+    if (is_text && !Insert(entry)) {
       Drop();
       is_unfit_ = true;
       return false;

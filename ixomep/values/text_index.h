@@ -31,9 +31,11 @@ class TextIndex {
   void Drop() noexcept;
 
  private:
+  // The key's text is kept beside the entry: that is two steps less than through the entry.
   struct Slot {
     std::uint64_t hash = 0;
     const Entry* entry = nullptr;
+    String text;
   };
   static constexpr std::size_t kLeast = 8;           // entries; fewer are found faster in order
   static constexpr std::size_t kLookupsForEach = 2;  // building costs about half a lookup an entry
@@ -42,9 +44,10 @@ class TextIndex {
 
   // False, and not tried again until the keys change, for unfit keys or without memory.
   bool Build(const IxoMepValueMap& entries) noexcept;
-  bool Insert(std::string_view key, const Entry& entry) noexcept;
+  bool Insert(const Entry& entry) noexcept;
 
   std::vector<Slot> slots_;  // a power of two, at most half of them used
+  std::size_t mask_ = 0;     // their number less one
   std::size_t missed_ = 0;   // lookups since the keys changed
   bool is_unfit_ = false;
 };

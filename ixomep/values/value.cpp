@@ -162,12 +162,19 @@ IxoMepValue& IxoMepValue::AssignOwner(const IxoMepValue& other) {
   return *this = std::move(copy);
 }
 
-// The old payload goes last: releasing it may destroy the other value, which may stand in it.
-IxoMepValue& IxoMepValue::MoveOverOwner(IxoMepValue&& other) noexcept {
-  IxoMepValue old(std::move(*this));
-  type_ = other.type_;
-  payload_ = other.payload_;
-  other.type_ = Type::Undefined;
+// The old payload goes last: releasing it may run code of the host, which may look at this value.
+IxoMepValue& IxoMepValue::ReplaceOwner(Type type, Payload payload) noexcept {
+  const auto replace = [&] {
+    type_ = type;
+    payload_ = payload;
+  };
+  if (type_ == Type::String) {  // most often
+    const String old(std::move(ValueAccess::Text(*this)));
+    replace();
+  } else {
+    const IxoMepValue old(std::move(*this));
+    replace();
+  }
   return *this;
 }
 

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -47,12 +48,13 @@ class IXOMEP_API IxoMepValue {
   // --- Life (value.cpp) ---------------------------------------------------------------------
   IxoMepValue() noexcept : type_(IxoMepValueType::Undefined) { payload_.bits = 0; }
   IxoMepValue(const String& text) noexcept;
+  IxoMepValue(String&& text) noexcept : type_(IxoMepValueType::String) {
+    new (static_cast<void*>(&payload_.text)) String(std::move(text));
+  }
   IxoMepValue(const char* text);  // null gives the empty string
   IxoMepValue(short number) noexcept : IxoMepValue(static_cast<int>(number)) {}
   IxoMepValue(unsigned short number) noexcept : IxoMepValue(static_cast<int>(number)) {}
-  IxoMepValue(int number) noexcept : type_(IxoMepValueType::Integer) {
-    SetInteger(number);
-  }
+  IxoMepValue(int number) noexcept : type_(IxoMepValueType::Integer) { SetInteger(number); }
   IxoMepValue(unsigned int number) noexcept : IxoMepValue(static_cast<int>(number)) {}
   IxoMepValue(long number) noexcept : IxoMepValue(static_cast<int>(number)) {}  // low 32 bits
   IxoMepValue(unsigned long number) noexcept : IxoMepValue(static_cast<int>(number)) {}
@@ -96,11 +98,12 @@ class IXOMEP_API IxoMepValue {
     return *this;
   }
   IxoMepValue& operator=(IxoMepValue&& other) noexcept {
-    if (this == &other) return *this;
-    if (HasHeapPayload()) return MoveOverOwner(std::move(other));
-    type_ = other.type_;
-    payload_ = other.payload_;
-    other.type_ = IxoMepValueType::Undefined;
+    const IxoMepValueType type = other.type_;
+    const Payload payload = other.payload_;
+    other.type_ = IxoMepValueType::Undefined;  // a value moved to itself is whole again below
+    if (HasHeapPayload()) return ReplaceOwner(type, payload);
+    type_ = type;
+    payload_ = payload;
     return *this;
   }
   ~IxoMepValue() {
@@ -146,8 +149,15 @@ class IXOMEP_API IxoMepValue {
   // "undefined" for an unknown number.
   static String GetTypeName(IxoMepValueType type);
   // These follow a chain of references; another type gives 0, 0.0 or null.
-  std::int32_t GetInt() const noexcept;  // a real is truncated, 0 outside the 32-bit range
-  double GetReal() const noexcept;       // Real and Integer
+  // A real is truncated, 0 outside the 32-bit range.
+  std::int32_t GetInt() const noexcept {
+    return type_ == IxoMepValueType::Integer ? payload_.integer : ReadInt();
+  }
+  // Real and Integer.
+  double GetReal() const noexcept {
+    if (type_ == IxoMepValueType::Real) return payload_.real;
+    return type_ == IxoMepValueType::Integer ? payload_.integer : ReadReal();
+  }
   double GetSec() const noexcept;        // Time, seconds
   std::int32_t GetTMM() const noexcept;  // Measure, whole tenths of a millimetre
   std::int32_t GetTPt() const noexcept;  // Measure, tenths of a point, rounded
@@ -249,10 +259,13 @@ class IXOMEP_API IxoMepValue {
   void SetInteger(std::int32_t number) noexcept {
     payload_.bits = static_cast<std::int64_t>(static_cast<std::uint32_t>(number));
   }
+  // The number behind a reference, or 0.
+  std::int32_t ReadInt() const noexcept;
+  double ReadReal() const noexcept;
   // The copies and assignments in which a payload is on the heap.
   void CopyOwner(const IxoMepValue& other);
   IxoMepValue& AssignOwner(const IxoMepValue& other);
-  IxoMepValue& MoveOverOwner(IxoMepValue&& other) noexcept;
+  IxoMepValue& ReplaceOwner(IxoMepValueType type, Payload payload) noexcept;
   // Releases the payload and leaves the tag for the caller to overwrite.
   void Discard() noexcept;
   static IxoMepValue* GetpNullValue() noexcept;

@@ -31,13 +31,13 @@ String IxoMepValue::GetTypeName(IxoMepValueType type) {
   return kTypeNames[number < kTypeNames.size() ? number : 0];
 }
 
-std::int32_t IxoMepValue::GetInt() const noexcept {
+std::int32_t IxoMepValue::ReadInt() const noexcept {
   const IxoMepValue& value = ValueAccess::Follow(*this);
   if (value.type_ == Type::Integer) return value.payload_.integer;
   return value.type_ == Type::Real ? ixomep::ToInt32OrZero(value.payload_.real) : 0;
 }
 
-double IxoMepValue::GetReal() const noexcept {
+double IxoMepValue::ReadReal() const noexcept {
   const IxoMepValue& value = ValueAccess::Follow(*this);
   if (value.type_ == Type::Integer) return value.payload_.integer;
   return value.type_ == Type::Real ? value.payload_.real : 0.0;

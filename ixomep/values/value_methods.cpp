@@ -85,6 +85,7 @@ String Without(const String& text, std::string_view pattern) {
   if (found == String::kNotFound) return text;
   String kept;
   for (; found != String::kNotFound; found = text.Search(pattern, start)) {
+    LimitWatch::WorkOfEvaluation();
     kept += Between(text, start, found);
     start = found + static_cast<std::int32_t>(pattern.size());
   }
@@ -133,6 +134,7 @@ bool InsertAll(IxoMepValue& map, const IxoMepValue& source) {
   if (&entries == &ValueAccess::Entries(map)) return entries.empty();
   bool all_new = true;
   for (const auto& [key, value] : entries) {
+    LimitWatch::WorkOfEvaluation();
     if (ValueAccess::FindEntry(map, *key) != nullptr) {
       all_new = false;
       continue;

@@ -52,8 +52,9 @@ void MapRep::operator delete(void* block) noexcept { MapBlocks::Give(block); }
 
 // --- Reading ------------------------------------------------------------------------------------
 
-const IxoMepValueMap::value_type* ValueAccess::Lookup(const IxoMepValue& map,
-                                                      const IxoMepValue& key) {
+// Inlined where it is asked most.
+[[gnu::always_inline]] inline const IxoMepValueMap::value_type* ValueAccess::Lookup(
+    const IxoMepValue& map, const IxoMepValue& key) {
   MapRep& rep = *Map(map);
   if (key.type_ == IxoMepValueType::String && rep.index.IsReady(rep.items)) {
     return rep.index.Find(Text(key).view());
@@ -69,15 +70,16 @@ const IxoMepValue* ValueAccess::FindEntry(const IxoMepValue& map, const IxoMepVa
 
 const IxoMepValue& ValueAccess::KeyAt(const IxoMepValue& map, std::size_t index) noexcept {
   MapRep& rep = *Map(map);
-  if (rep.cursor_index == MapRep::kNoCursor || index < rep.cursor_index) {
+  if (rep.cursor_index == MapRep::kNoCursor || index < rep.cursor_index / 2) {
     rep.cursor = rep.items.cbegin();
     rep.cursor_index = 0;
   }
   for (; rep.cursor_index < index; ++rep.cursor_index) ++rep.cursor;
+  for (; rep.cursor_index > index; --rep.cursor_index) --rep.cursor;
   return OrNull(rep.cursor->first);
 }
 
-const IxoMepValue& ValueAccess::Follow(const IxoMepValue& v) noexcept {
+const IxoMepValue& ValueAccess::FollowReference(const IxoMepValue& v) noexcept {
   const IxoMepValue* value = &v;
   const IxoMepValue* behind = &v;  // runs half as fast: a circle makes the two meet
   for (bool odd = false; value->type_ == IxoMepValueType::Reference; odd = !odd) {
@@ -87,10 +89,6 @@ const IxoMepValue& ValueAccess::Follow(const IxoMepValue& v) noexcept {
     if (value == behind) return *value;
   }
   return *value;
-}
-
-IxoMepValue& ValueAccess::Follow(IxoMepValue& v) noexcept {
-  return const_cast<IxoMepValue&>(Follow(static_cast<const IxoMepValue&>(v)));
 }
 
 // --- Writing ------------------------------------------------------------------------------------

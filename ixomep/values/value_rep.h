@@ -77,6 +77,12 @@ struct ValueAccess {
     v.payload_.bits = bits;
     return v;
   }
+  // The payload of a further value with the same text.
+  static std::int64_t ShareText(const IxoMepValue& v) noexcept {
+    IxoMepValue further;
+    new (static_cast<void*>(&further.payload_.text)) String(Text(v));
+    return further.payload_.bits;  // typed undefined, it owns nothing
+  }
   // Read-only views; borrowed until the value changes.
   static const IxoMepValueList& Items(const IxoMepValue& v) noexcept { return List(v)->items; }
   static const IxoMepValueMap& Entries(const IxoMepValue& v) noexcept { return Map(v)->items; }
@@ -107,7 +113,7 @@ struct ValueAccess {
   // Null when there is no such key.
   static const IxoMepValue* FindEntry(const IxoMepValue& map, const IxoMepValue& key);
   static const IxoMepValueMap::value_type* Lookup(const IxoMepValue& map, const IxoMepValue& key);
-  // The key with that number in map order; asking in ascending order is fast.
+  // The key with that number in map order; asking in order, up or down, is fast.
   static const IxoMepValue& KeyAt(const IxoMepValue& map, std::size_t index) noexcept;
 
   // The editing of arrays and maps without pinning: what goes in is the container's alone, and
@@ -186,8 +192,13 @@ struct ValueAccess {
     v.type_ = IxoMepValueType::Undefined;
   }
   // The end of a reference chain: a Reference only when the chain is a circle or ends in nothing.
-  static const IxoMepValue& Follow(const IxoMepValue& v) noexcept;
-  static IxoMepValue& Follow(IxoMepValue& v) noexcept;
+  static const IxoMepValue& FollowReference(const IxoMepValue& v) noexcept;
+  static const IxoMepValue& Follow(const IxoMepValue& v) noexcept {
+    return v.type_ != IxoMepValueType::Reference ? v : FollowReference(v);
+  }
+  static IxoMepValue& Follow(IxoMepValue& v) noexcept {
+    return const_cast<IxoMepValue&>(Follow(static_cast<const IxoMepValue&>(v)));
+  }
 
   // Life of the containers' storage (value_rep.cpp, container_copy.cpp). `to` is undefined before.
   // A storage in which `avoid` stands is copied, never shared: `*element = container` must not

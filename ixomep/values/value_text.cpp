@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "ixomep/host/core_time.h"
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/host/numbers.h"
 #include "ixomep/values/engine_hooks.h"
 #include "ixomep/values/mep_text.h"
@@ -70,6 +71,7 @@ class TextWriter {
 
   void Finish() {
     while (!open_.empty()) {
+      LimitWatch::WorkOfEvaluation();
       std::visit([this](auto& top) { Continue(top); }, open_.back());
     }
   }

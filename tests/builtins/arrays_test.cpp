@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/support/call_checks.h"
+#include "tests/support/eval.h"
 #include "tests/support/test_host.h"
 
 namespace ixomep::test {
@@ -334,6 +335,28 @@ TEST(ASInsert, Values_without_an_order_are_reported_and_inserted_all_the_same) {
   Session session;
   EXPECT_EQ(session.Eval("a := {{1}, {2}}, asinsert(a, {3}), LEN a"), "integer 3");
   EXPECT_FALSE(host.assertions.empty());
+}
+
+// --- What arguments and hosts do to the array meanwhile
+// -------------------------------------------
+
+TEST(ArrayEditors, Path_that_an_argument_has_cut_off_is_followed_to_where_it_ends_now) {
+  Session session;
+  CheckAll(
+      session,
+      {{"a := {{{1}}}, aappend(a, 0, 0, (a := {5}, 7))", WrongType("aappend(integer)")},
+       {"try((a := {{{1}}}, aappend(a, 0, (a := {}, 0), 1)), \"failed\")", "string \"failed\""},
+       {"try((a := {{1}}, aerase(a, 0, (a := {{}}, 0))), \"failed\")", "string \"failed\""},
+       {"LEN a", "integer 1"}});
+}
+
+TEST(ArrayEditors, Element_that_a_host_has_left_empty_is_undefined_and_can_be_replaced) {
+  Session session;
+  session.Eval("a := {1, 2}");
+  Variable(session.scope(), "a")->SetValue(0, nullptr);
+  CheckAll(session, {{"areplace(a, 0, 7)", "integer 7"}, {"a", "array {7, 2}"}});
+  Variable(session.scope(), "a")->SetValue(1, nullptr);
+  CheckAll(session, {{"type(aerase(a, 1))", "string \"undefined\""}, {"a", "array {7}"}});
 }
 
 }  // namespace

@@ -12,6 +12,9 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/values/slot.h"
 #include "tests/support/call_checks.h"
+#include "tests/support/definitions.h"
+#include "tests/support/eval.h"
+#include "tests/support/limits.h"
 #include "tests/support/test_host.h"
 #include "tests/support/trees.h"
 
@@ -66,6 +69,15 @@ TEST(Handler, Destroys_the_value_of_the_caller_on_failure) {
     EXPECT_EQ(slot, nullptr);
     EXPECT_FALSE(call.text().IsEmpty());
   }
+}
+
+TEST(Handler, Without_memory_for_a_tree_ends_with_38) {
+  // More nodes than the free list keeps.
+  DirectCall call(("lambda(1" + Repeated("+1", 40000) + ")").c_str());
+  IxoMepValue* slot = nullptr;
+  const ScopedMemoryLimit limit(0);
+  EXPECT_EQ(call.Run(slot), IMEPERR_TOO_DEEP);
+  EXPECT_EQ(slot, nullptr);
 }
 
 TEST(Handler, Leaves_a_variable_in_the_slot_to_its_scope_on_failure) {
@@ -266,6 +278,19 @@ TEST(Arguments, Keep_the_value_that_they_had_when_a_later_one_changes_the_variab
   EXPECT_EQ(session.Eval("a := {3}, max(a[0], (a[0] := 1))"), "integer 3");
   EXPECT_EQ(session.Eval("s := \"abc\", replace(s, \"b\", (s := \"-\"))"), "string \"a-c\"");
   EXPECT_EQ(session.Eval("s := \"abc\", copy(s, 1, (s := \"\", 2))"), "string \"bc\"");
+}
+
+TEST(Handlers, Called_by_a_host_are_under_the_limits_of_an_evaluation) {
+  DirectCall call("tokcnt(\"a b\")");
+  IxoMepValue* result = nullptr;
+  {
+    const InterruptingHost host(0);
+    EXPECT_EQ(call.Run(result), IMEPERR_TOO_DEEP);
+    EXPECT_EQ(call.text(), "The evaluation is interrupted.");
+    EXPECT_EQ(result, nullptr);
+  }
+  EXPECT_EQ(call.Run(result), IMEPERR_NONE);
+  EXPECT_EQ(ShownValue(ValuePtr(result).get()), "integer 2");
 }
 
 }  // namespace

@@ -3,8 +3,11 @@
 
 #include <limits>
 #include <string>
+#include <utility>
 
+#include "ixomep/values/value_rep.h"
 #include "tests/support/call_checks.h"
+#include "tests/support/eval.h"
 #include "tests/support/test_host.h"
 
 namespace ixomep::test {
@@ -238,6 +241,16 @@ TEST(MapErase, Counts_other_than_two_fail_with_23) {
   for (const char* call : {"merase()", "merase(m)", "merase(m, 1, 2)"}) {
     EXPECT_EQ(session.Eval(call), "error 23: The number of arguments is wrong: merase()") << call;
   }
+}
+
+TEST(MErase, Entry_that_a_host_has_left_empty_is_undefined) {
+  Session session;
+  session.Eval("m := map(), m[1] := 2");
+  const IxoMepValue key(1);
+  const ValuePtr taken(
+      std::exchange(ValueAccess::OwnEntrySlot(*Variable(session.scope(), "m"), key), nullptr));
+  EXPECT_EQ(session.Eval("type(merase(m, 1))"), "string \"undefined\"");
+  EXPECT_EQ(session.Eval("LEN m"), "integer 0");
 }
 
 }  // namespace

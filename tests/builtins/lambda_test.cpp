@@ -73,9 +73,11 @@ TEST(Lambda, Calls_itself_by_the_name_that_it_is_assigned_to) {
 
 TEST(Lambda, Definition_inside_another_is_not_given_the_outer_name) {
   Session session;
-  CheckAll(session, {{"g := lambda(x, x * 2), h := cond(1, lambda(x, g(x) + 1), 0), "
-                      "g := lambda(x, 0), h(5)",
-                      "integer 11"}});
+  CheckAll(session,
+           {{"g := lambda(x, x * 2), h := cond(1, lambda(x, g(x) + 1), 0), "
+             "g := lambda(x, 0), h(5)",
+             "integer 11"},
+            {"h := lambda(x, x * 2), h := cond(1, lambda(x, h(x) + 1), 0), h(5)", "integer 11"}});
 }
 
 }  // namespace

@@ -245,5 +245,14 @@ TEST(Fortok, Runs_under_the_no_assignment_flag_as_long_as_the_body_assigns_nothi
   EXPECT_TRUE(session.Eval("fortok(t, \"a\", \",\", (x := 1))", true).starts_with("error 20"));
 }
 
+TEST(Loops, Failure_of_a_bound_or_list_is_that_of_the_loop) {
+  Session session;
+  for (const char* const loop :
+       {"for(i, 1 / 0, 2, i)", "for(i, 1, 1 / 0, i)", "fortok(t, STR (1 / 0), \" \", t)",
+        "fortok(t, \"a\", STR (1 / 0), t)"}) {
+    EXPECT_EQ(session.Eval(loop), session.Eval("1 / 0")) << loop;
+  }
+}
+
 }  // namespace
 }  // namespace ixomep::test

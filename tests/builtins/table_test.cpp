@@ -133,5 +133,11 @@ TEST(BuiltinTable, Other_names_and_addresses_that_were_never_interned_are_not_fo
   EXPECT_EQ(FindBuiltin(reinterpret_cast<const char*>(std::uintptr_t{8})), nullptr);
 }
 
+TEST(BuiltinTable, A_null_name_is_another_name_than_every_text_and_the_same_as_itself) {
+  EXPECT_FALSE(FunctionNameEqual()(nullptr, "cond"));
+  EXPECT_FALSE(FunctionNameEqual()("cond", nullptr));
+  EXPECT_TRUE(FunctionNameEqual()(nullptr, nullptr));
+}
+
 }  // namespace
 }  // namespace ixomep

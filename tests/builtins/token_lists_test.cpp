@@ -4,7 +4,11 @@
 
 #include <string>
 
+#include "ixomep/expr/expression_parser.h"
+#include "ixomep/values/value_rep.h"
 #include "tests/support/call_checks.h"
+#include "tests/support/eval.h"
+#include "tests/support/test_host.h"
 
 namespace ixomep::test {
 namespace {
@@ -224,6 +228,43 @@ TEST(ValArray, Token_that_cannot_be_read_is_undefined) {
   CheckAll(session, {{"valarray(\"1 x 2\")", "array {1, (undefined), 2}"},
                      {"valarray(\"1,,2\", \",\")", "array {1, (undefined), 2}"},
                      {"valarray(\"5km\")", "array {(undefined)}"}});
+}
+
+TEST(ValArray, Token_that_opens_a_bracket_and_cannot_be_read_is_undefined) {
+  Session session;
+  CheckAll(session, {{"valtokstr(valarray(\"( { 1\", \" \"), \";\")",
+                      "string \"(undefined);(undefined);1\""}});
+}
+
+TEST(ValArray, Want_of_memory_for_a_token_is_a_failure_and_not_an_undefined_element) {
+  IxoMepValueSet scope;
+  Eval("long := \"\\\"\" + \"x\" * 1000000 + \"\\\"\"", &scope);
+  EXPECT_EQ(Eval("LEN valarray(long, \" \")", &scope).Shown(), "integer 1");
+  const ScopedMemoryLimit limit(1500000);  // one copy of the token and no other
+  EXPECT_EQ(Eval("valarray(long, \" \")", &scope).Shown(), "error 37");
+}
+
+// A token that cannot be had is no token that cannot be read.
+TEST(ValArray, Without_memory_for_a_value_fails_with_37) {
+  String tokens = "1 \"" + std::string(20000, 'x') + "\" nonsense 2";
+  IxoMepValueSet scope;
+  scope.OldSetValue("s", IxoMepValue(tokens), true);
+  IxoMepExpressionParser parser;
+  String text;
+  ASSERT_EQ(parser.SetExpression("valarray(s)", text), IMEPERR_NONE);
+  int refused = 0;
+  for (std::size_t bytes = 0; bytes < 120000; bytes += 500) {
+    const ScopedMemoryLimit limit(bytes);
+    IxoMepValue* slot = nullptr;
+    const IxoMepErrorEnum code = parser.Evaluate(&scope, slot, text, false, false);
+    const ValuePtr array(slot);
+    if (code != IMEPERR_NONE) {
+      ++refused;
+    } else {
+      EXPECT_EQ(ValueAccess::Element(*array, 1).GetType(), IxoMepValueType::String) << bytes;
+    }
+  }
+  EXPECT_GT(refused, 0);
 }
 
 }  // namespace

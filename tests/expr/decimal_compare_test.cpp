@@ -47,6 +47,10 @@ std::strong_ordering Judge(double a, double b) {
 
 void CheckPair(double a, double b) {
   const std::strong_ordering expected = Judge(a, b);
+  const int side = Landmark(b).SideOf(a);
+  if (side != 0) {
+    EXPECT_EQ(side <=> 0, expected) << TextOf(a) << " and " << TextOf(b);
+  }
   EXPECT_EQ(CompareDecimalTexts(a, b), expected) << TextOf(a) << " and " << TextOf(b);
   EXPECT_EQ(CompareDecimals(a, b), expected) << TextOf(a) << " and " << TextOf(b);
 }
@@ -190,6 +194,26 @@ TEST(DecimalCompare, Random_pairs_around_a_rounding_limit_follow_the_rule) {
     CheckPair(below, limit);
     CheckPair(below, above);
     CheckPair(-below, -above);
+  }
+}
+
+TEST(DecimalCompare, A_landmark_tells_the_side_of_what_is_not_near_it) {
+  const Landmark three(3.0);
+  EXPECT_EQ(three.SideOf(3.001), 1);
+  EXPECT_EQ(three.SideOf(2.999), -1);
+  EXPECT_EQ(three.SideOf(-3.0), -1);
+  EXPECT_EQ(Landmark(0.0).SideOf(1e-100), 1);
+  EXPECT_EQ(Landmark(0.0).SideOf(-1e-100), -1);
+}
+
+TEST(DecimalCompare, A_landmark_leaves_open_what_the_texts_have_to_decide) {
+  const Landmark three(3.0);
+  for (const double near : {3.0, 3.0 * (1 + 1e-11), 3.0 * (1 - 1e-12)}) {
+    EXPECT_EQ(three.SideOf(near), 0) << near;
+  }
+  for (const double odd : {kNan, kInfinity, -kInfinity}) {
+    EXPECT_EQ(three.SideOf(odd), 0) << odd;
+    EXPECT_EQ(Landmark(odd).SideOf(3.0), 0) << odd;
   }
 }
 

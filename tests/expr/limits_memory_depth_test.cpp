@@ -66,15 +66,19 @@ TEST(LimitsOfMemory, Try_does_not_hide_it) {
 }
 
 TEST(LimitsOfMemory, What_was_held_is_given_back_and_the_engine_works_again) {
-  Eval("\"warm up\" + \"x\"");
   IxoMepValueSet scope;
+  const auto exceed_all = [&scope] {
+    for (const char* const text : kTooMuch) {
+      const ScopedLimits limits({.memory = MemoryBudget::InUse() + 1500000});
+      Eval(text);
+      EXPECT_EQ(Eval("LEN (\"x\" * 1000)", &scope).Shown(), "integer 1000");
+    }
+  };
+  exceed_all();
   const std::size_t before = MemoryBudget::InUse();
-  for (const char* const text : kTooMuch) {
-    const ScopedLimits limits({.memory = MemoryBudget::InUse() + 1500000});
-    Eval(text);
-    EXPECT_EQ(Eval("LEN (\"x\" * 1000)", &scope).Shown(), "integer 1000");
-  }
-  EXPECT_LE(MemoryBudget::InUse(), before + 200000);
+  exceed_all();
+  // Less than one of the texts holds, more than what varies: how full the free lists are.
+  EXPECT_LE(MemoryBudget::InUse(), before + 1000000);
 }
 
 TEST(LimitsOfMemory, Without_a_limit_of_the_host_the_codes_are_those_of_the_functions) {

@@ -79,6 +79,9 @@ constexpr StepRow kSteps[] = {
     {"for(i, 1, 7, 0, i)", 1 + 7, "integer 7"},
     {"for(i, 7, 1, 0, 3)", 1, "integer 3"},
     {"s := 0, for(i, 1, 3){for(j, 1, 4){s := s + 1}}{s}", 1 + 3 + 3 * 4, "integer 12"},
+    {"n := 0, while(n < 3){n := n + 1, for(j, 1, 4, 0)}{n}", 1 + 3 + 3 * 4, "integer 3"},
+    {"n := 0, while(n < 3){n := n + 1, while(0, 1)}{n}", 1 + 3, "integer 3"},
+    {"f := lambda(x, x), n := 0, while(n < 3){n := n + f(1)}{n}", 1 + 3 + 3, "integer 3"},
     {"s := \"\", fortok(t, \"a b c\", \" \"){s := s + t}{s}", 1 + 3, "string \"abc\""},
     {"f := lambda(x, x + 1), f(1) + f(2)", 1 + 2, "integer 5"},
     {"f := lambda(1), f()", 1 + 1, "integer 1"},
@@ -259,11 +262,22 @@ TEST(Limits, Long_work_of_built_in_functions_is_interrupted) {
       "a.sort()",
       "a.sort(lambda(x, y, x > y))",
       "s.sort()",
+      "LEN replall(t, \"a \", \"b\")",
+      "token(t, 19999)",
+      "tokindex(t, \"b\")",
+      "LEN t.without(\"a\")",
+      "LEN STR a",
+      "LEN valtokstr({a})",
+      "LEN tourlquerystring(m)",
+      "map().insertAllFrom(m)",
+      "LEN parse(\"0\" + \" + 1\" * 200000)",
+      "regex(\"(a|b|ab)*c[yz]\", \"ab\" * 1000 + \"cx\")",
   };
   IxoMepValueSet scope;
   Eval(
       "t := \"a \" * 20000, a := {}, s := {}, "
-      "for(i, 1, 20000){aappend(a, i * 7919 MOD 10007), aappend(s, STR i)}",
+      "for(i, 1, 20000){aappend(a, i * 7919 MOD 10007), aappend(s, STR i)}, "
+      "m := map(), for(i, 1, 5000){m[i] := i}",
       &scope);
   for (const char* const text : kLong) {
     SCOPED_TRACE(text);

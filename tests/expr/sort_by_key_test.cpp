@@ -3,11 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <functional>
 #include <random>
 #include <string>
+#include <utility>
 
+#include "ixomep/expr/expression_parser.h"
+#include "ixomep/values/value_rep.h"
 #include "tests/support/eval.h"
 #include "tests/support/test_host.h"
+#include "tests/support/trees.h"
 
 namespace ixomep::test {
 namespace {
@@ -95,6 +100,53 @@ TEST(SortByKey, Keys_of_several_types_or_failing_ones_end_as_by_exchanges) {
   ExpectSameAsExchanges("{3, 1, 2}", "x + z < y + z");
 }
 
+// No text gives such a tree; a host can make one.
+TEST(SortByKey, A_constant_without_a_value_is_like_no_other) {
+  using Kind = IxoMepExprNodeType;
+  for (const bool is_first : {false, true}) {
+    const auto one_more = [](const char* name, bool has_value) {
+      return Binary(Kind::Plus, Name(name), has_value ? Number(1) : NodePtr::Make(Kind::Constant));
+    };
+    IxoMepValueSet scope;
+    Set(scope, "f",
+        LambdaValue("x,y", Binary(Kind::Less, one_more("x", is_first), one_more("y", !is_first))));
+    EXPECT_EQ(Shown("v := {2, 1}, v.sort(f)", &scope), "error 21");
+  }
+}
+
+// Knows one function, less(a, b), and counts its calls.
+class CountingLess : public IxoMepExpressionParser {
+ public:
+  IxoMepErrorEnum EvaluateFunctionCall(const IxoMepExprNode* call, IxoMepValueSet* scope,
+                                       const String& name, IxoMepValue*& result, String& text,
+                                       bool strict) const override {
+    if (name != "less") return IMEPERR_UNKNOWN_FUNCTION;
+    ++calls;
+    IxoMepValue* a = nullptr;
+    IxoMepValue* b = nullptr;
+    const IxoMepErrorEnum code = call->GetParamResults(this, scope, a, b, text, strict);
+    const ValuePtr first(a), second(b);
+    if (code == IMEPERR_NONE) IxoMepValue::Assign(result, *a < *b);
+    return code;
+  }
+  mutable int calls = 0;
+};
+
+TEST(SortByKey, Exchanges_end_with_the_first_pass_that_makes_none) {
+  struct {
+    const char* array;
+    int calls;
+  } const rows[] = {{"{1, 2, 3, 4, 5}", 4}, {"{2, 1, 3, 4, 5}", 8}, {"{2, 3, 4, 5, 1}", 20}};
+  for (const auto& row : rows) {
+    CountingLess parser;
+    IxoMepValueSet scope;
+    const std::string text = std::string("v := ") + row.array +
+                             ", v.sort(lambda(x, y, less(x, y))), STR v[0] + STR v[4]";
+    EXPECT_EQ(EvalWith(parser, text, &scope).Shown(), "string \"15\"");
+    EXPECT_EQ(parser.calls, row.calls) << row.array;
+  }
+}
+
 TEST(SortByKey, Takes_n_log_n_time) {
   const std::string fill = "v := {}, for(i, 1, 50000){aappend(v, i * 7919 MOD 50021)}, ";
   const std::clock_t start = std::clock();
@@ -102,6 +154,35 @@ TEST(SortByKey, Takes_n_log_n_time) {
             "integer 1");
   // Exchanges would take half an hour.
   EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC);
+}
+
+// Does what the test wants when it is copied, once.
+class TouchingCopies : public IxoMepExpressionParser {
+ public:
+  explicit TouchingCopies(std::function<void()>& touch) : touch_(touch) {}
+  IxoMepExpressionParser* CreateCopy() const override {
+    if (const std::function<void()> touch = std::exchange(touch_, nullptr)) touch();
+    return new TouchingCopies(*this);
+  }
+
+ private:
+  std::function<void()>& touch_;
+};
+
+TEST(SortByKey, The_copy_of_an_element_may_take_another_one_out_of_the_array) {
+  std::function<void()> touch;
+  IxoMepValueSet scope;
+  Eval("list := {{0, 1, 1, 1}, {1, 2}, {7}}", &scope);
+  IxoMepValue& list = *scope.OldGetLValue("list");
+  const TouchingCopies expression(touch);
+  ValueAccess::OwnItems(*ValueAccess::OwnElement(list, 0))[0]->SetExpr(&expression);
+  ValuePtr taken;
+  touch = [&] { taken = ValueAccess::TakeAt(list, 2); };
+  EXPECT_EQ(Eval("list.sort(lambda(a, b, LEN a < LEN b))", &scope).code, IMEPERR_NONE);
+  ASSERT_NE(taken, nullptr);
+  EXPECT_EQ(ShownValue(*taken), "array {7}");
+  EXPECT_EQ(Eval("tokstr({LEN list, LEN list[0], LEN list[1]})", &scope).Shown(),
+            "string \"2 2 4\"");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ixomep/expr/expression_parser.h"
+#include "ixomep/host/memory_budget.h"
 #include "ixomep/values/slot.h"
 #include "ixomep/values/string_address_map.h"
 #include "tests/support/test_host.h"
@@ -449,6 +450,24 @@ TEST(ValueSetAssign, From_an_empty_scope_empties) {
   Set(scope, "a", 1);
   scope.Assign(IxoMepValueSet());
   EXPECT_EQ(scope.Count(), 0u);
+}
+
+// Names fall into all buckets; bytes of texts are counted to the last one.
+TEST(ValueSetMemory, All_values_go_with_the_scope) {
+  std::vector<const char*> names;
+  for (int i = 0; i < 400; ++i) names.push_back(Intern("memory" + std::to_string(i)));
+  const auto fill = [&names](std::size_t count) {
+    IxoMepValueSet scope;
+    for (std::size_t i = 0; i < count; ++i) {
+      scope.NewSetValue(names[i], IxoMepValue(String::Filled(1000, 'x')), true);
+    }
+  };
+  fill(names.size());
+  for (const std::size_t count : {std::size_t{1}, std::size_t{31}, names.size()}) {
+    const std::size_t before = ixomep::MemoryBudget::InUse();
+    fill(count);
+    EXPECT_EQ(ixomep::MemoryBudget::InUse(), before) << count;
+  }
 }
 
 }  // namespace

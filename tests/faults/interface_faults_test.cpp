@@ -9,6 +9,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/value_set_pool.h"
@@ -50,6 +51,7 @@ struct World {
     object.MoveValue("m", new IxoMepValue(ValueOf("lambda(a, {a, \"some more text\", a})")));
     EXPECT_EQ(parser.SetExpression("list[1] := {x, x + x}", error), IMEPERR_NONE);
     EXPECT_EQ(place.SetExpression("list[2]", error), IMEPERR_NONE);
+    EXPECT_EQ(call.SetExpression("cond(1, {x, x + x})", error), IMEPERR_NONE);
   }
   IxoMepValue list = ValueOf("{1, {\"k\": 2, 3: \"text of some length\"}, \"another text\"}");
   IxoMepValue map = ValueOf("{\"k\": {1, 2}, 2: \"text of some length\"}");
@@ -59,6 +61,7 @@ struct World {
   IxoMepValueSet scope{&outer};
   IxoMepExpressionParser parser;
   IxoMepExpressionParser place;
+  IxoMepExpressionParser call;
   IxoMepValue* result = nullptr;
   String error;
   IxoMepValueList no_args;
@@ -96,6 +99,10 @@ const Operation kByCode[] = {
     {"SetExpression", [](World& w) -> long { return w.parser.SetExpression(kSource, w.error); }},
     {"Evaluate",
      [](World& w) -> long { return w.parser.Evaluate(&w.scope, w.result, w.error, false, true); }},
+    {"handler",
+     [](World& w) -> long {
+       return w.call.GetTree()->_cond(&w.call, &w.scope, w.result, w.error, false);
+     }},
     {"AssignToLValue",
      [](World& w) -> long { return w.place.AssignToLValue(&w.map, &w.scope, w.error); }},
 };
@@ -133,6 +140,53 @@ TEST(InterfaceFaults, What_reports_by_code_gives_37_or_38) {
     });
     EXPECT_EQ(BytesInUse(), before) << operation.name << " loses memory";
     std::cout << operation.name << ": " << failures << "\n";
+  }
+}
+
+// Every pooled scope, so that the next one must be allocated.
+class AllPooledScopes {
+ public:
+  AllPooledScopes() {
+    scopes_.reserve(100000);
+    const FailingNew failing(1, FailMode::FromThenOn);
+    try {
+      while (scopes_.size() < scopes_.capacity())
+        scopes_.push_back(IxoMepValueSetContainer::AllocateValueSet(nullptr));
+    } catch (const std::bad_alloc&) {
+    }
+  }
+  AllPooledScopes(const AllPooledScopes&) = delete;
+  AllPooledScopes& operator=(const AllPooledScopes&) = delete;
+  ~AllPooledScopes() {
+    for (IxoMepValueSet* const scope : scopes_) IxoMepValueSetContainer::FreeValueSet(scope);
+  }
+
+ private:
+  std::vector<IxoMepValueSet*> scopes_;
+};
+
+TEST(InterfaceFaults, A_variable_as_result_stays_its_scopes_when_no_own_scope_can_be_had) {
+  (void)Shown("1 / 0");  // loads the texts of the errors
+  IxoMepValueSet outer;
+  outer.OldSetValue("y", IxoMepValue(kLong), true);
+  IxoMepValueSet scope(&outer);
+  scope.OldSetValue("x", IxoMepValue(kLong), true);
+  IxoMepExpressionParser parser;
+  String error;
+  ASSERT_EQ(parser.SetExpression("1 + 2", error), IMEPERR_NONE);
+  for (const char* const name : {"x", "y"}) {
+    IxoMepValue* const variable = scope.OldGetLValue(name);
+    IxoMepValue* result = variable;
+    IxoMepErrorEnum code = IMEPERR_NONE;
+    {
+      const AllPooledScopes none_left;
+      const FailingNew failing(1, FailMode::Once);
+      code = parser.Evaluate(&scope, result, error, false, /*ownScope=*/true);
+    }
+    EXPECT_EQ(code, IMEPERR_TOO_DEEP);
+    EXPECT_EQ(result, nullptr);
+    ASSERT_EQ(scope.OldGetLValue(name), variable);
+    EXPECT_EQ(Eval(name, &scope).Shown(), "string \"" + std::string(kLong.view()) + "\"");
   }
 }
 

@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -100,6 +102,33 @@ TEST_F(Files, That_are_longer_than_a_text_can_be_cannot_be_read) {
   Write("huge", "");
   fs::resize_file(folder_ / "huge", std::uintmax_t{String::kMaxLength} + 1);
   EXPECT_EQ(Read(Path("huge")), "(unreadable)");
+}
+
+TEST_F(Files, That_fail_while_they_are_read_cannot_be_read) {
+  // A regular file here, with nothing readable at its beginning.
+  const char* const kUnreadable = "/proc/self/mem";
+  if (!fs::is_regular_file(kUnreadable)) GTEST_SKIP() << "no such file on this system";
+  EXPECT_EQ(Read(kUnreadable), "(unreadable)");
+}
+
+// Objects of the application may outlive what the library keeps.
+TEST(FilesAtTheEndDeathTest, Of_the_repository_cannot_be_read_when_the_process_has_nearly_ended) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  struct Late {
+    ~Late() {
+      ixomep::SetRepositoryFolder("/");
+      String text;
+      const bool read = IxoSystemFileManager::readStringFromFile(text, "db:\\etc/passwd", false);
+      std::fputs(read ? "read" : "not to be read", stderr);
+    }
+  };
+  EXPECT_EXIT(
+      {
+        static const Late late;
+        ixomep::SetRepositoryFolder("/");
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "^not to be read$");
 }
 
 TEST_F(Files, That_pass_the_memory_budget_fail_as_every_allocation_does) {

@@ -127,4 +127,13 @@ TEST(RegEx, Patterns_that_nest_deeply_or_are_huge_are_refused) {
   EXPECT_EQ(Match(String::Filled(1000000, 'a'), String::Filled(1000000, 'a')), 0);
 }
 
+TEST(RegEx, The_host_answers_for_texts_without_storage_and_for_patterns_that_do_not_compile) {
+  IxoHost& host = IxoHost::Current();
+  const int options = IxoRegEx::kExtendedSyntax | IxoRegEx::kCaseSensitive;
+  EXPECT_TRUE(host.MatchesRegEx("^$", std::string_view(), options));
+  EXPECT_TRUE(host.MatchesRegEx(std::string_view(), std::string_view(), options));
+  EXPECT_FALSE(host.MatchesRegEx("a", std::string_view(), options));
+  EXPECT_FALSE(host.MatchesRegEx("(", "(", options));
+}
+
 }  // namespace

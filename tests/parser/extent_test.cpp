@@ -124,6 +124,10 @@ TEST(Attribute, White_space_in_strings_comments_and_brackets_does_not_end_it) {
   EXPECT_EQ(AttributeOf("a:5#x y\nb"), "a:5#x y");
 }
 
+TEST(Attribute, A_bracket_that_stays_open_in_a_brace_is_found_behind_inner_braces) {
+  EXPECT_EQ(AttributeOf("a: { ( {} } b"), "error 14 ) @10");
+}
+
 TEST(Attribute, Brackets_in_strings_and_comments_do_not_count) {
   EXPECT_EQ(AttributeOf("a: (\")\" 1) b"), "a: (\")\" 1)");
   EXPECT_EQ(AttributeOf("a: (1 (* ) *) 2) b"), "a: (1 (* ) *) 2)");
@@ -148,6 +152,7 @@ TEST(Attribute, Closer_that_does_not_match_is_14_with_the_one_needed) {
   EXPECT_EQ(AttributeOf("a: {1)"), "error 14 } @5");
   EXPECT_EQ(AttributeOf("a: { b ( } c"), "error 14 ) @9");
   EXPECT_EQ(AttributeOf("a: { b { ) } } c"), "error 14 } @9");
+  EXPECT_EQ(AttributeOf("a: { b { ( } } c"), "error 14 ) @11");
 }
 
 TEST(Statement, Ends_at_a_semicolon_on_the_same_line) {
@@ -174,6 +179,12 @@ TEST(Statement, Strings_and_comments_are_skipped) {
 TEST(Statement, Loose_closing_brace_is_below_depth_0) {
   EXPECT_EQ(StatementOf("} ; {} ;"), "none");
   EXPECT_EQ(StatementOf("} ; \n { ;"), "} ; \n { ");
+}
+
+TEST(Statement, Ends_inside_its_stretch) {
+  const std::string_view text = "\"a;\";{}";
+  EXPECT_EQ(Extents(text).FindStatementEnd(0, 4), kNoMatch);
+  EXPECT_EQ(Extents(text).FindStatementEnd(0, 5), 4u);
 }
 
 TEST(Bracket, Backslash_outside_strings_protects_the_next_character) {

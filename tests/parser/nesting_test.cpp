@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "ixomep/host/memory_budget.h"
+#include "ixomep/parser/document_scanner.h"
 #include "ixomep/parser/extent.h"
 #include "tests/support/definitions.h"
 #include "tests/support/test_host.h"
@@ -120,6 +122,18 @@ TEST(Nesting, A_hundred_thousand_bodies_are_read_and_freed) {
     }
     EXPECT_GE(depth, 100000u);
   }
+}
+
+TEST(Nesting, Bodies_that_are_objects_need_no_native_stack_when_they_go) {
+  QuickReading::Use(false);
+  for (const auto make : {NestedElements, NestedAttributes}) {
+    // What goes back to the free lists once is there for the next time.
+    EXPECT_EQ(Definition(make(200000)).code, IMEPERR_NONE);
+    const std::size_t before = MemoryBudget::InUse();
+    EXPECT_EQ(Definition(make(200000)).code, IMEPERR_NONE);
+    EXPECT_EQ(MemoryBudget::InUse(), before);
+  }
+  QuickReading::Use(true);
 }
 
 TEST(Nesting, Error_in_the_deepest_body_frees_all_around_it) {

@@ -110,6 +110,9 @@ TEST(Parse, Success_leaves_no_error_text) {
   EXPECT_EQ(parser.GetErrorText(), "");
   EXPECT_EQ(parser.GetErrorCode(), IMEPERR_NONE);
   EXPECT_EQ(parser.GetErrorOffset(), -1);
+  EXPECT_EQ(parser.GetErrorLine(), 0);
+  EXPECT_EQ(parser.GetErrorColumn(), 0);
+  EXPECT_EQ(parser.GetErrorContext(), parser.GetContext());
 }
 
 TEST(Parse, Stops_at_the_first_error_and_keeps_what_was_read) {

@@ -122,6 +122,7 @@ TEST(QuickReading, Takes_all_common_forms) {
                            "A b: { c: 1 } d",
                            "A b: { C } E",
                            "A\nx := 1;\n b: 1",
+                           "A\nx := \"a;\" + f(\"b\\n\");\n b: 1",
                            "A b: \";\"\n c: 1\n { D }",
                            "A \xE4: 1 \xA0 b"}) {
     EXPECT_TRUE(IsReadQuickly(text)) << text;
@@ -191,6 +192,17 @@ TEST(QuickReading, A_body_reads_again_from_its_own_line) {
   definition.parser.SetText("E");
   EXPECT_EQ(definition.parser.GetElemCount(), 0);
   EXPECT_EQ(definition.parser.GetCurElemIndex(), -1);
+}
+
+TEST(QuickReading, A_body_with_another_text_loses_the_attributes_without_an_element) {
+  Definition definition("A { b: 1 C }");
+  IxoMepParser* const body = definition.parser.GetBodyParser();
+  body->SetText("D");
+  EXPECT_EQ(body->GetLooseAttributes(), nullptr);
+  EXPECT_EQ(body->GetIntValue("b"), 0);
+  EXPECT_EQ(body->Parse(), IMEPERR_NONE);
+  EXPECT_EQ(body->GetLooseAttributes(), nullptr);
+  EXPECT_EQ(Shape(*body), "D");
 }
 
 TEST(QuickReading, Bodies_of_bodies_need_no_native_stack) {

@@ -53,6 +53,39 @@ class Limits(harness.MepTest):
                 self.assertLess(time.monotonic() - begin, 20)
                 self.assertIn("limit of 0.3 seconds", err)
 
+    def test_a_timeout_ends_the_reading_and_printing_of_long_texts(self):
+        path = self.write("long.mep", 'BOX "a" { INNER b: 12 c: {1, 2} }\n' * 300000)
+        for command in [("check", path), ("show", path), ("xml", path),
+                        ("query", "--json", path, "BOX")]:
+            with self.subTest(command):
+                begin = time.monotonic()
+                status, _, err = self.run_mep(*command, "--timeout", "0.05")
+                self.assertLess(time.monotonic() - begin, 20)
+                self.assertEqual(status, 1)
+                self.assertTrue(err.endswith(
+                    "error: The limit of 0.05 seconds is exceeded. [38]\n"), err)
+
+    def test_a_timeout_ends_a_check_that_finds_an_error_on_every_line(self):
+        path = self.write("wrong.mep", "BOX a:: 1\n" * 300000)
+        begin = time.monotonic()
+        _, _, err = self.run_mep("check", path, "--timeout", "0.05")
+        self.assertLess(time.monotonic() - begin, 20)
+        self.assertTrue(err.endswith("The limit of 0.05 seconds is exceeded. [38]\n"), err)
+
+    def test_too_little_memory_for_a_text_is_named_by_every_command(self):
+        path = self.write("long.mep", 'BOX "a text that is not stored in place" {a: 1}\n' * 20000)
+        for command in [("show", path), ("xml", path), ("query", path, "BOX/a"),
+                        ("query", "--json", path, "BOX")]:
+            for size in (1, 1500000, 2500000, 4000000):
+                with self.subTest(command, size=size):
+                    status, _, err = self.run_mep(*command, "--max-memory", str(size))
+                    if status != 0:
+                        self.assertEqual(status, 1)
+                        self.assertIn(f"The limit of {size} bytes of memory is exceeded. [38]", err)
+        status, _, err = self.run_mep("check", path, "--max-memory", "1")
+        self.assertEqual(status, 1)
+        self.assertIn("The limit of 1 bytes of memory is exceeded. [38]", err)
+
     def test_what_is_no_limit_is_refused(self):
         for option, values in [("--max-steps", ["0", "-1", "x", "1.5", "99999999999999999999"]),
                                ("--max-memory", ["0", "K", "1T", "1.5M", "99999999999999999G"]),

@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "ixomep/host/res_id.h"
 #include "ixomep/values/raise.h"
+#include "tests/support/test_host.h"
 #include "tests/values/samples.h"
 
 namespace ixomep::test {
@@ -48,6 +51,22 @@ TEST(ErrorTexts, Each_code_has_the_text_of_its_resource) {
     ++texts;
   }
   EXPECT_EQ(texts, 37);
+}
+
+// The texts are asked for once in a process.
+TEST(ErrorTextsDeathTest, A_host_is_not_asked_for_those_of_codes_without_a_text) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto exit_by_texts = [] {
+    TestHost host;
+    for (int code = 0; code <= 43; ++code) host.resources[16100 + code] = "a text";
+    bool is_right = true;
+    for (int code = 0; code <= 43; ++code) {
+      const bool is_empty = IxoMepError::GetErrorText(Code(code)).IsEmpty();
+      is_right = is_right && is_empty == IsWithoutText(code);
+    }
+    std::_Exit(is_right ? 0 : 1);
+  };
+  EXPECT_EXIT(exit_by_texts(), testing::ExitedWithCode(0), "");
 }
 
 TEST(ErrorTexts, Numbers_outside_have_none) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -78,6 +79,21 @@ TEST(StringAddressMap, Names_of_every_length_differ_in_every_byte) {
       EXPECT_EQ(map.Intern(other), changed);
     }
     EXPECT_EQ(map.Intern(base), address);
+  }
+}
+
+// Names of a few words meet others with the same last bytes wherever they are looked for.
+TEST(StringAddressMap, Thousands_of_names_that_end_alike_differ) {
+  for (const std::size_t length :
+       {std::size_t{8}, std::size_t{9}, std::size_t{12}, std::size_t{17}}) {
+    std::set<const char*> addresses;
+    for (int i = 10000; i < 20000; ++i) {
+      const std::string name = std::to_string(i) + std::string(length - 5, 'e');
+      const char* const address = Intern(name);
+      EXPECT_EQ(address, name);
+      addresses.insert(address);
+    }
+    EXPECT_EQ(addresses.size(), 10000u) << length;
   }
 }
 

@@ -188,6 +188,7 @@ TEST(ValueAccessEditing, The_key_with_a_number_is_found_from_any_direction_and_a
   IxoMepValue map = Map({"a", 1, "b", 2, "c", 3, "d", 4});
   const auto key_at = [&](std::size_t i) { return Str(ValueAccess::KeyAt(map, i).GetStr()); };
   EXPECT_EQ(key_at(0) + key_at(1) + key_at(3) + key_at(2) + key_at(0), "abdca");
+  EXPECT_EQ(key_at(3) + key_at(3) + key_at(2) + key_at(1) + key_at(0), "ddcba");
   const IxoMepValue b("b"), zero("0");
   ValueAccess::EraseKey(map, b);
   EXPECT_EQ(key_at(0) + key_at(1) + key_at(2), "acd");

@@ -45,6 +45,31 @@ TEST(ValueCopy, Assigning_a_value_to_itself_changes_nothing) {
   }
 }
 
+TEST(ValueCopy, Moving_a_value_to_itself_changes_nothing) {
+  for (const Type type : kAllTypes) {
+    IxoMepValue value = Sample(type);
+    IxoMepValue& alias = value;
+    value = std::move(alias);
+    EXPECT_TRUE(SameContent(value, Sample(type))) << NameOf(type);
+  }
+}
+
+TEST(ValueCopy, A_value_may_be_moved_over_the_container_it_stands_in) {
+  IxoMepValue array(Type::Array);
+  array.Append(new IxoMepValue("an element of some length"));
+  array = std::move(*array.GetValue(0L));
+  EXPECT_EQ(array.GetStr(), "an element of some length");
+}
+
+TEST(ValueCopy, A_text_that_is_handed_over_is_not_copied) {
+  String text("a text of some length");
+  const String shared = text;
+  const IxoMepValue value(std::move(text));
+  EXPECT_EQ(value.GetType(), Type::String);
+  EXPECT_TRUE(value.GetStr().SharesTextWith(shared));
+  EXPECT_TRUE(text.IsEmpty());
+}
+
 TEST(ValueCopy, Strings_share_their_text) {
   const IxoMepValue value("a text of some length");
   const IxoMepValue copy(value);

@@ -12,6 +12,7 @@
 #include "tools/mep/commands.h"
 #include "tools/mep/definition_file.h"
 #include "tools/mep/diagnostics.h"
+#include "tools/mep/limits.h"
 #include "tools/mep/recovery.h"
 #include "tools/mep/text_io.h"
 
@@ -40,6 +41,7 @@ class Checker {
     const String& text = file_.Text();
     Parse(file_.Parser(), {0, static_cast<std::size_t>(text.Len())});
     while (!pending_.empty() && diagnostics_.ErrorCount() - first_error_ < kMaxErrors) {
+      CheckTime();
       const Stretch stretch = pending_.back();
       pending_.pop_back();
       const std::string_view before = text.view().substr(0, stretch.begin);

@@ -14,6 +14,7 @@
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/host/encodings.h"
 #include "tools/mep/expressions.h"
+#include "tools/mep/limits.h"
 #include "tools/mep/output.h"
 
 namespace mep {
@@ -125,12 +126,12 @@ class JsonWriter {
   }
 
   void Step() {
+    CheckTime();
     Level& level = levels_.back();
     if (level.kind == Kind::kBody) {
-      const IxoMepElement* element = level.body->GetElement(level.next);
-      if (element == nullptr) return Close("]");
-      if (level.next++ > 0) Put(", ");
-      OpenElement(*element);
+      if (level.next >= level.body->GetElemCount()) return Close("]");
+      if (level.next > 0) Put(", ");
+      OpenElement(ElementAt(*level.body, level.next++));
     } else if (level.kind == Kind::kAttribute) {
       if (!EnterBody(level)) Close("}");
     } else if (level.next < level.element->GetAttrCount()) {

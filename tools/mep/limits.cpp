@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,6 +28,8 @@ std::optional<Timeout>& TheTimeout() {
   static std::optional<Timeout> timeout;
   return timeout;
 }
+
+std::string TimeText() { return "The limit of " + TheTimeout()->seconds + " seconds is exceeded."; }
 
 // A number from 1 and nothing else.
 std::optional<std::uint64_t> ReadCount(std::string_view text) {
@@ -103,7 +106,24 @@ bool LimitedHost::IsInterruptRequested() noexcept {
 
 String LimitedHost::ResourceText(std::int32_t number) {
   if (number != kInterruptedText || !TheTimeout()) return IxoHost::ResourceText(number);
-  return String("The limit of " + TheTimeout()->seconds + " seconds is exceeded.");
+  return String(TimeText());
+}
+
+void CheckTime() {
+  if (!TheTimeout() || Clock::now() < TheTimeout()->end) return;
+  throw LimitReached(TimeText());
+}
+
+const IxoMepElement& ElementAt(const IxoMepParser& parser, std::int32_t index) {
+  const IxoMepElement* const element = parser.GetElement(index);
+  if (element == nullptr) throw std::bad_alloc();
+  return *element;
+}
+
+void CheckMemoryLimit() {
+  const std::size_t memory = IxoHost::GetLimits().memory;
+  if (memory == 0) return;
+  throw LimitReached("The limit of " + std::to_string(memory) + " bytes of memory is exceeded.");
 }
 
 void AddLimitOptions(CLI::App& app) {
@@ -111,7 +131,8 @@ void AddLimitOptions(CLI::App& app) {
            &SetMaxSteps);
   AddLimit(app, "--max-memory", "End it when values need more bytes (K, M, G behind the number)",
            "SIZE", &SetMaxMemory);
-  AddLimit(app, "--timeout", "End what is evaluated after so many seconds", "SECONDS", &SetTimeout);
+  AddLimit(app, "--timeout", "End what is read, evaluated or printed after so many seconds",
+           "SECONDS", &SetTimeout);
 }
 
 }  // namespace mep

@@ -3,8 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <stdexcept>
+#include <string>
 
 #include "ixomep/host/host.h"
+#include "ixomep/parser/parser.h"
 
 namespace CLI {
 class App;
@@ -19,6 +22,19 @@ class LimitedHost : public IxoHost {
   bool IsInterruptRequested() noexcept override;
   String ResourceText(std::int32_t number) override;
 };
+
+// A limit ended the command; says which.
+class LimitReached : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Throws LimitReached when the time that --timeout gives is over. For loops over whole texts.
+void CheckTime();
+// The element of that index, which exists: throws std::bad_alloc without the memory to make it.
+const IxoMepElement& ElementAt(const IxoMepParser& parser, std::int32_t index);
+// What is to be said about a std::bad_alloc: throws LimitReached when --max-memory is given.
+void CheckMemoryLimit();
 
 // Adds the three options, which stand in front of the sub-command or behind it; each is in force
 // as soon as it is read.

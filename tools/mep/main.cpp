@@ -99,6 +99,9 @@ int Run(int count, char** arguments) {
     app.parse(given);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kExitSuccess : kExitUsage;
+  } catch (const std::bad_alloc&) {
+    CheckMemoryLimit();
+    throw;
   }
   return status;
 }
@@ -109,6 +112,9 @@ int Run(int count, char** arguments) {
 int main(int count, char** arguments) {
   try {
     return mep::Run(count, arguments);
+  } catch (const mep::LimitReached& limit) {
+    std::fprintf(stderr, "mep: error: %s [%d]\n", limit.what(), int{IMEPERR_TOO_DEEP});
+    return mep::kExitTextError;
   } catch (const std::bad_alloc&) {
     std::fputs("mep: error: out of memory\n", stderr);
   } catch (const std::exception& error) {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "ixomep/values/value.h"
+#include "tools/mep/limits.h"
 
 namespace mep {
 namespace {
@@ -97,13 +98,14 @@ void SelectElements(const IxoMepParser* body, const PathStep& step, std::vector<
   if (body == nullptr) return;
   std::int32_t number = 0;
   for (std::int32_t i = 0; i < body->GetElemCount(); ++i) {
-    const IxoMepElement* element = body->GetElement(i);
-    if (element->GetKeyword() != step.name) continue;
+    CheckTime();
+    const IxoMepElement& element = ElementAt(*body, i);
+    if (element.GetKeyword() != step.name) continue;
     ++number;
     if (step.number != 0 && step.number != number) continue;
-    const IxoMepValue* value = element->GetValue();
+    const IxoMepValue* value = element.GetValue();
     if (step.value && (value == nullptr || value->GetStr() != *step.value)) continue;
-    found.push_back({body, i, element});
+    found.push_back({body, i, &element});
   }
 }
 

@@ -12,6 +12,7 @@
 #include "tools/mep/diagnostics.h"
 #include "tools/mep/expressions.h"
 #include "tools/mep/json_output.h"
+#include "tools/mep/limits.h"
 #include "tools/mep/output.h"
 #include "tools/mep/path.h"
 #include "tools/mep/text_io.h"
@@ -32,9 +33,10 @@ struct QueryOptions {
 // What the statements of a text assign is known to its expressions.
 void RunStatements(const IxoMepParser& parser, IxoMepValueSet& scope) {
   for (std::int32_t i = 0; i < parser.GetElemCount(); ++i) {
-    const IxoMepElement* element = parser.GetElement(i);
-    if (element->GetKeyword() != ";" || element->GetValue() == nullptr) continue;
-    const IxoMepExpressionParser* statement = element->GetValue()->GetExpr();
+    CheckTime();
+    const IxoMepElement& element = ElementAt(parser, i);
+    if (element.GetKeyword() != ";" || element.GetValue() == nullptr) continue;
+    const IxoMepExpressionParser* statement = element.GetValue()->GetExpr();
     if (statement != nullptr) EvaluateStatement(*statement, scope);
   }
 }

@@ -5,10 +5,13 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "tools/mep/limits.h"
+
 namespace mep {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::uint32_t kStepsBetweenQuestions = 1 << 16;
 
 bool IsWhite(char byte) {
   return (byte >= 9 && byte <= 13) || byte == 32 || static_cast<unsigned char>(byte) == 160;
@@ -39,7 +42,8 @@ class Scan {
   }
 
   std::vector<Stretch> Run() {
-    while (at_ < text_.size()) {
+    for (std::uint32_t steps = 1; at_ < text_.size(); ++steps) {
+      if (steps % kStepsBetweenQuestions == 0) CheckTime();
       if (!Step()) return {};
     }
     if (open_.size() > 1) return {};

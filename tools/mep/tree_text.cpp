@@ -14,6 +14,7 @@
 #include "ixomep/expr/expression_parser.h"
 #include "tools/mep/diagnostics.h"
 #include "tools/mep/expressions.h"
+#include "tools/mep/limits.h"
 #include "tools/mep/output.h"
 
 namespace mep {
@@ -65,22 +66,23 @@ class TreeWriter {
   void Enter(const IxoMepParser* body) { levels_.push_back({body, 0, body->GetElemCount()}); }
 
   void Step() {
+    CheckTime();
     Level& level = levels_.back();
     if (level.element >= level.end) {
       levels_.pop_back();
       if (!levels_.empty()) Line(1, "}");
       return;
     }
-    const IxoMepElement* element = level.body->GetElement(level.element);
+    const IxoMepElement& element = ElementAt(*level.body, level.element);
     if (level.attribute < 0) {
       level.attribute = 0;
-      WriteElement(*element);
-    } else if (level.attribute < element->GetAttrCount()) {
-      WriteAttribute(*element->GetAttr(level.attribute++));
-    } else if (!level.body_done && element->GetBodyParser() != nullptr) {
+      WriteElement(element);
+    } else if (level.attribute < element.GetAttrCount()) {
+      WriteAttribute(*element.GetAttr(level.attribute++));
+    } else if (!level.body_done && element.GetBodyParser() != nullptr) {
       level.body_done = true;
       Line(1, "{");
-      Enter(element->GetBodyParser());
+      Enter(element.GetBodyParser());
     } else {
       level = {level.body, level.element + 1, level.end};
     }

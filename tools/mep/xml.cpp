@@ -37,6 +37,10 @@ int RunXml(const XmlOptions& options) {
   converter->SetXmlNames(true);
   Output output(io);
   const String xml = converter->ToXML(!options.no_declaration, String(options.root));
+  if (converter->GetErrorCode() != IMEPERR_NONE) {
+    file.ReportError(*converter);
+    return kExitTextError;
+  }
   output.WriteBytes(xml.view());
   return output.Finish();
 }

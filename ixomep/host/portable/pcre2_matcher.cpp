@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/host/portable/default_host.h"
 #include "ixomep/host/reg_ex.h"
 
@@ -110,12 +111,15 @@ Code CodeOf(std::string_view pattern, int options) {
   return kept == nullptr ? Compile(pattern, options) : kept->Find(pattern, options);
 }
 
+constexpr std::uint64_t kStepsBetweenQuestions = 65536;
+
 // Called in front of every pattern item; a negative result ends the match.
 int CountStep(pcre2_callout_block*, void* steps_left) {
   auto& left = *static_cast<std::uint64_t*>(steps_left);
   if (left == 0) return PCRE2_ERROR_MATCHLIMIT;
   --left;
-  return 0;
+  const bool asks = left % kStepsBetweenQuestions == 0 && LimitWatch::IsEvaluating();
+  return asks && LimitWatch::IsInterrupted() ? PCRE2_ERROR_CALLOUT : 0;
 }
 
 }  // namespace
@@ -137,7 +141,10 @@ bool MatchesPattern(std::string_view pattern, std::string_view text, int options
   std::uint64_t steps = kBaseSteps + kStepsPerByte * text.size();
   pcre2_set_callout(context.get(), &CountStep, &steps);
   // 0 says that the pattern matched but has groups that were not recorded.
-  return pcre2_match(code.get(), Units(text), text.size(), 0, 0, data.get(), context.get()) >= 0;
+  const int count =
+      pcre2_match(code.get(), Units(text), text.size(), 0, 0, data.get(), context.get());
+  if (count == PCRE2_ERROR_CALLOUT) throw LimitExceeded(Limit::Interrupt);
+  return count >= 0;
 }
 
 }  // namespace ixomep::portable
