@@ -205,6 +205,7 @@ class Writer {
     written_.Clear();
     const std::int32_t count = element.AttrCount();
     for (std::int32_t i = 0; i < count; ++i) {
+      work_.Part();
       const AttributeView attribute = element.Attr(i);
       const String& name = xml_names_ ? xml_name_of_.Of(attribute.Name()) : attribute.Name();
       if (written_.Insert(name)) WriteAttribute(attribute, name.view());
@@ -222,6 +223,7 @@ class Writer {
     }
     names.Begin();
     for (std::uint32_t i = 0; i < element.attribute_count; ++i) {
+      work_.Part();
       const ixomep::AttributeRecord& attribute = records.Attribute(element.first_attribute + i);
       std::uint32_t number = attribute.name;
       if (names.Insert(number)) WriteAttribute(records, names, attribute, number);
@@ -394,7 +396,7 @@ class Writer {
   const ixomep::Document* records_ = nullptr;
   std::optional<ixomep::XmlNumberedNames> numbered_;
   SourceTexts source_texts_;
-  std::array<char, kPiece> piece_;
+  std::array<char, kPiece> piece_{};
 };
 
 }  // namespace

@@ -15,7 +15,8 @@ class IXOMEP_API IxoMepConverter : public IxoMepParser {
   // name) and behind the XML declaration when asked for. From the first declaration on, values are
   // UTF-8; before it, all but ASCII is written as numeric references. Elements become current as
   // they are converted. Empty when the result passes the memory or the maximum length, or the host
-  // asks for the end: GetErrorCode and GetErrorText then say so.
+  // asks for the end: GetErrorCode and GetErrorText then say so (and go on saying so; a result that
+  // is not empty is whole).
   String ToXML(bool withDeclaration, const String& rootName);
 
   // Whether names that XML does not have are changed, so that every document is well-formed:

@@ -207,6 +207,7 @@ void DocumentScanner::ReadFollowers() {
       frame_.has_element = true;
       element.start = OffsetOf(at) + follower.gap;
       element.keyword = follower.name;
+      element.first_attribute = 0;
       element.attribute_count = 0;
       element.body = kNoRecord;
       pending_elements_.PushNext();
@@ -265,7 +266,12 @@ bool DocumentScanner::ReadElement() {
     end = at_;
     form = Form::Element;
   }
-  Learn(form, form == Form::Element ? value : end, element.keyword, NameTable::kNoName);
+  if (form == Form::Element && !IsQuick(next, kQuickWhite)) {
+    // Not every value may touch the keyword: such items are looked at each time.
+    last_ = element.keyword + kAfterName;
+  } else {
+    Learn(form, form == Form::Element ? value : end, element.keyword, NameTable::kNoName);
+  }
   // Without a value the white space stays, so that a line feed in it starts a statement.
   at_ = end;
   gap_ = end;

@@ -209,7 +209,8 @@ class IXOMEP_API IxoMepParser {
   static String GetMepTextOfTMMValue(std::int32_t tenths);  // tenths of a millimetre: 1.25cm
   static String GetMepTextOfTPtValue(std::int32_t tenths);  // tenths of a point: 12.5pt
   static String GetUITextOfTMMValue(std::int32_t tenths);   // for display: 1.25 cm
-  // Length of the attribute text that starts at the position; String::kNotFound when none does.
+  // Length of the attribute text that starts at the position; String::kNotFound when none does, or
+  // when the host asks for the end.
   static std::int32_t GetAttrMepTextLen(const String& text, std::int32_t position);
 
  private:

@@ -103,6 +103,7 @@ bool XmlBuffer::AppendEscaped(std::string_view ascii, const char* readable_end) 
   if (ascii.size() <= kPiece) return AppendEscapedPiece(ascii, readable_end);
   if (!IsAscii(ascii)) return false;
   for (; !ascii.empty(); ascii.remove_prefix(std::min(ascii.size(), kPiece))) {
+    work_.Part();
     AppendEscapedPiece(ascii.substr(0, kPiece), readable_end);
   }
   return true;

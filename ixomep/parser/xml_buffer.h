@@ -10,6 +10,7 @@
 #include <span>
 #include <string_view>
 
+#include "ixomep/host/limit_watch.h"
 #include "ixomep/host/string.h"
 #include "ixomep/host/string_tail.h"
 
@@ -106,6 +107,7 @@ class XmlBuffer {
   char* start_;                    // of the room that is being filled
   char* at_;
   char* end_;
+  LongWork work_;
 };
 
 }  // namespace ixomep

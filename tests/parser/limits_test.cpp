@@ -216,5 +216,17 @@ TEST_P(BothReadings, A_conversion_that_the_host_ends_gives_nothing_and_says_so) 
   EXPECT_FALSE(converter.ToXML(true, String("root")).IsEmpty());
 }
 
+TEST_P(BothReadings, The_conversion_of_one_long_element_is_interrupted) {
+  for (const std::string& source :
+       {"A \"" + std::string(12'000'000, '&') + "\"", "A" + Repeated(" b: 12", 20000)}) {
+    SCOPED_TRACE(source.substr(0, 8));
+    IxoMepConverter converter{String(source)};
+    ASSERT_EQ(converter.Parse(), IMEPERR_NONE);
+    const InterruptingHost host(0);
+    EXPECT_TRUE(converter.ToXML(false, String("root")).IsEmpty());
+    EXPECT_EQ(converter.GetErrorCode(), IMEPERR_TOO_DEEP);
+  }
+}
+
 }  // namespace
 }  // namespace ixomep::test

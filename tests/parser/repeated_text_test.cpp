@@ -113,6 +113,19 @@ TEST(RepeatedTexts, Are_read_quickly) {
   EXPECT_TRUE(IsReadQuickly(Repeated("A\n b: 1\n c := 1;\n", 100)));
 }
 
+// Behind a keyword a string or an expression may follow without a blank, a number may not.
+TEST(RepeatedTexts, A_value_that_touches_its_keyword_says_nothing_of_the_next_one) {
+  const std::string filler(60, ' ');
+  for (const char* const text : {"A\"b\" A\"b\" A5", "A\"b\" A\"b\" A5 c", "A(1) A(1) A5",
+                                 "A(1) A(1) A5 A5", "A\"b\" A\"b\" A(2)", "A(1) A(1) A\"b\"",
+                                 "A\"b\" A 5 A5", "A A A5", "A\"b\" A\"b\" A{1}"}) {
+    SCOPED_TRACE(text);
+    ExpectPlainReading(text);
+    ExpectPlainReading(text + filler);
+    ExpectPlainReading(text + ("\n" + filler));
+  }
+}
+
 // --- Numbers in XML -----------------------------------------------------------------------------
 
 TEST(RepeatedTexts, Numbers_of_every_form_are_written_as_in_the_plain_way) {
