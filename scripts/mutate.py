@@ -41,10 +41,10 @@ from concurrent.futures import ThreadPoolExecutor
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 # folder of ixomep/ -> test programs, the most fitting first
 PROGRAMS = {
-    "values": ["values", "expr", "language", "builtins", "parser"],
-    "expr": ["expr", "language", "builtins", "docs", "values", "parser"],
-    "builtins": ["builtins", "docs", "language", "expr"],
-    "parser": ["parser", "values", "builtins", "language"],
+    "values": ["values", "expr", "language", "builtins", "parser", "faults"],
+    "expr": ["expr", "language", "builtins", "docs", "values", "parser", "faults"],
+    "builtins": ["builtins", "docs", "language", "expr", "faults"],
+    "parser": ["parser", "values", "builtins", "language", "faults"],
 }
 MEASURING = "*Growth.*"  # tests that measure time, which other work on the machine disturbs
 SLOW = 1.5  # seconds of the processor for one test in the good run

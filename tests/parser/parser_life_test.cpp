@@ -254,6 +254,15 @@ TEST(Factories, Body_may_be_given_another_text) {
   EXPECT_EQ(parser.GetElement(1)->GetLine(), 2);
 }
 
+TEST(Factories, Bodies_of_an_own_kind_and_with_another_text_may_begin_with_attributes) {
+  OwnParser own("A { x: 1 B }", "test");
+  ASSERT_EQ(own.Parse(), IMEPERR_NONE) << own.GetErrorText().c_str();
+  Replacing parser("A { b }", "test");
+  parser.replacement = "x: 1 Y";
+  ASSERT_EQ(parser.Parse(), IMEPERR_NONE) << parser.GetErrorText().c_str();
+  EXPECT_EQ(Shape(parser), "A {Y}");
+}
+
 TEST(Factories, Error_in_another_text_is_the_parsers_error) {
   Replacing parser("A {\n b }", "test");
   parser.replacement = "X 5km";

@@ -12,6 +12,7 @@
 #include "ixomep/expr/value_set.h"
 #include "ixomep/host/color.h"
 #include "ixomep/host/memory_budget.h"
+#include "ixomep/host/sanitizer.h"
 #include "ixomep/parser/converter.h"
 #include "ixomep/parser/document_scanner.h"
 #include "ixomep/parser/element_view.h"
@@ -297,6 +298,17 @@ TEST(QuickReading, Derived_parsers_have_their_factories_called_while_reading) {
   FactoryParser parser("A a: (w) {\n }\nB b: { C } c: {1}", calls);
   EXPECT_EQ(parser.Parse(), IMEPERR_NONE);
   EXPECT_EQ(calls, "expression;body 10 1;body 20 3;expression;");
+}
+
+// Sanitizers want every block from the heap.
+TEST(QuickReading, The_place_of_a_body_that_is_gone_serves_the_next_one) {
+  const auto place = [] {
+    const Definition definition("A { B }");
+    return reinterpret_cast<std::uintptr_t>(definition.parser.GetElement(0)->GetBodyParser());
+  };
+  const std::uintptr_t before = place();
+  EXPECT_NE(before, 0u);
+  EXPECT_TRUE(place() == before || kWatchedMemory);
 }
 
 }  // namespace
