@@ -62,11 +62,13 @@ bool IsToldAsParameter(const IxoMepExprNode& item) {
   return value != nullptr && value->GetType() != Kind::Comma && value->GetType() != Kind::Assign;
 }
 
-// A "?" in front of a name is not printed, and what stands behind it need not look like a name.
+// A "?" in front of a name is not printed, and what stands behind it need not look like a name: it
+// may begin otherwise, and hold hyphens.
 bool HasName(const IxoMepExprNode* node) {
   if (node == nullptr || node->GetType() != Kind::Variable) return false;
   const char* const name = node->GetNameAddress();
-  return name != nullptr && std::islower(static_cast<unsigned char>(*name)) != 0;
+  return name != nullptr && std::islower(static_cast<unsigned char>(*name)) != 0 &&
+         std::string_view(name).find('-') == std::string_view::npos;
 }
 
 bool IsTold(const IxoMepExprNode& node) {
