@@ -42,6 +42,14 @@ class Table(unittest.TestCase):
         self.assertEqual([line.split(",")[0] for line in lines[1:3]], ["z", "a"])
         self.assertIn(" - ", lines[1] + " ")
 
+    def test_the_fastest_repeats_have_a_table_of_their_own(self):
+        repeats = [{"run_name": f"a/{engine}", "run_type": "iteration", "cpu_time": time}
+                   for engine, time in (("Mep", 3.0), ("Mep", 2.0), ("X", 5.0), ("X", 9.0))]
+        lines = self.lines(repeats + cell("a", "Mep", 2.5) + cell("a", "X", 7.0))
+        fastest = lines.index("The fastest repeat of each:")
+        self.assertEqual(lines[1].split(), ["a,", "ms", "2.5", "±1%", "7", "±1%", "×2.80"])
+        self.assertEqual(lines[fastest + 2].split(), ["a,", "ms", "2", "5", "×2.50"])
+
     def test_what_this_library_did_not_measure_is_left_out(self):
         lines = self.lines(cell("a", "Mep", 1.0) + cell("b", "Other", 1.0))
         self.assertEqual(lines[0].split(), ["Mep"])
