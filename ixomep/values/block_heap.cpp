@@ -21,7 +21,7 @@ BlockHeap::Region& BlockHeap::AddRegion() {
   const std::size_t bytes = slabs * kSlabBytes;
   void* const memory = ::operator new(bytes, Alignment(bytes));
   if (slabs == kMaxRegionSlabs) IxoHost::Current().PrepareMemory(memory, bytes);
-  Slab* const first = ::new (memory) Slab{};
+  Slab* const first = new (memory) Slab{};
   first->own_region = {slabs, 0, 0};
   ++regions_;
   slabs_ += slabs;
@@ -33,7 +33,8 @@ BlockHeap::Slab* BlockHeap::AddSlab() {
   Region& region = *newest_;
   unsigned char* const memory =
       reinterpret_cast<unsigned char*>(FirstSlab(region)) + region.begun * kSlabBytes;
-  Slab* const slab = region.begun == 0 ? FirstSlab(region) : ::new (memory) Slab{};
+  Slab* slab = FirstSlab(region);
+  if (region.begun != 0) slab = new (memory) Slab{};
   ++region.begun;
   slab->region = &region;
   Link(*slab);

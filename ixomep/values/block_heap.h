@@ -34,12 +34,13 @@ class BlockHeap {
       slab->given_back = block->next;
       return block;
     }
-    return reinterpret_cast<unsigned char*>(slab + 1) + std::size_t{slab->carved++} * block_bytes_;
+    const std::size_t offset = std::size_t{slab->carved++} * block_bytes_;
+    return &reinterpret_cast<unsigned char*>(slab + 1)[offset];
   }
 
   void Give(void* block) noexcept {
     Slab* const slab = SlabOf(block);
-    slab->given_back = ::new (block) Block{slab->given_back};
+    slab->given_back = new (block) Block{slab->given_back};
     if (slab->used-- == capacity_) Link(*slab);
     if (slab->used == 0) Empty(*slab);
   }

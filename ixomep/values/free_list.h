@@ -41,7 +41,7 @@ class FreeList {
   }
 
   static void Give(void* block) noexcept {
-    head_ = ::new (block) Link{head_};
+    head_ = new (block) Link{head_};
     if (++count_ > kHighMark) TrimTo(kLowMark);
   }
 
