@@ -80,14 +80,13 @@ struct KeyedElement {
 
 // The keys of all elements: all numbers or all texts, which are in a total order. False when they
 // are not, or one cannot be had: then the exchanges say what happens.
-bool EvaluateKeys(const SortKey& key, const IxoMepValueList& items,
-                  std::vector<KeyedElement>& keyed) {
+bool EvaluateKeys(const SortKey& key, const ElementList& items, std::vector<KeyedElement>& keyed) {
   const PooledScope scope(nullptr);
   IxoMepValue& argument = *scope->NewGetLValue(key.parameter);
   String text;
   Frame frame{nullptr, scope.get(), text, false};
   // Copying an element may call the host, who may change the array.
-  const IxoMepValueList before = items;
+  const IxoMepValueList before(items.begin(), items.end());
   keyed.reserve(before.size());
   bool are_numbers = true;
   bool are_texts = true;
@@ -104,12 +103,12 @@ bool EvaluateKeys(const SortKey& key, const IxoMepValueList& items,
     if (!are_numbers && !are_texts) return false;
     keyed.push_back({std::move(value), element});
   }
-  return items == before;
+  return std::equal(items.begin(), items.end(), before.begin(), before.end());
 }
 
 }  // namespace
 
-bool SortByKey(const IxoMepExprNode& lambda, IxoMepValueList& items) {
+bool SortByKey(const IxoMepExprNode& lambda, ElementList& items) {
   // In a long chain of evaluations the first call might be refused.
   constexpr std::int32_t kRoom = 32;
   SortKey key;

@@ -36,7 +36,7 @@ class StorageHold {
     --rep_->holds;
     ValueAccess::DropList(rep_);
   }
-  IxoMepValueList& Items() const noexcept { return rep_->items; }
+  ElementList& Items() const noexcept { return rep_->items; }
 
  private:
   ListRep* rep_;
@@ -48,7 +48,7 @@ const IxoMepValue& OrNull(const IxoMepValue* value) noexcept {
 
 // "Does the first go before the second?" Answers by reference, with a code.
 template <class GoesBefore>
-IxoMepErrorEnum ExchangeNeighbours(IxoMepValueList& items, const GoesBefore& goes_before) {
+IxoMepErrorEnum ExchangeNeighbours(ElementList& items, const GoesBefore& goes_before) {
   bool exchanged = true;
   for (std::size_t passes = items.size(); exchanged && passes > 0; --passes) {
     exchanged = false;
@@ -134,7 +134,7 @@ void SortOneType(Run begin, Run end) {
   }
 }
 
-void SortByRankAndType(IxoMepValueList& items) {
+void SortByRankAndType(ElementList& items) {
   std::vector<Keyed> keyed;
   keyed.reserve(items.size());
   for (IxoMepValue* value : items) keyed.push_back(KeyOf(value));
@@ -150,7 +150,7 @@ void SortByRankAndType(IxoMepValueList& items) {
   std::transform(keyed.begin(), keyed.end(), items.begin(), [](const Keyed& k) { return k.value; });
 }
 
-bool HasReference(const IxoMepValueList& items) {
+bool HasReference(const ElementList& items) {
   return std::any_of(items.begin(), items.end(), [](const IxoMepValue* value) {
     return OrNull(value).GetType() == Type::Reference;
   });
@@ -161,7 +161,7 @@ bool HasReference(const IxoMepValueList& items) {
 IxoMepErrorEnum SortArray(IxoMepValue& array, IxoMepExprNode* lambda, String& error_text) {
   if (ValueAccess::Count(array) < 2) return IMEPERR_NONE;
   const StorageHold hold(array);
-  IxoMepValueList& items = hold.Items();
+  ElementList& items = hold.Items();
   if (lambda != nullptr) {
     if (SortByKey(*lambda, items)) return IMEPERR_NONE;
     return ExchangeNeighbours(

@@ -53,7 +53,7 @@ class SlotCursor {
   }
 
  private:
-  const IxoMepValueList* list_;
+  const ElementList* list_;
   std::size_t index_ = 0;
   IxoMepValueMap::const_iterator entry_, end_;
   bool at_key_ = false;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "ixomep/values/element_list.h"
 #include "ixomep/values/value.h"
 
 namespace ixomep {
@@ -25,7 +26,7 @@ IxoMepErrorEnum ApplyPredicate(IxoMepExprNode* lambda, const IxoMepValue& first,
 
 // Sorts the elements as the exchanges by that predicate would, when it only compares one quiet
 // expression of either element; false, and nothing changed, for any other (sort_by_key.cpp).
-bool SortByKey(const IxoMepExprNode& lambda, IxoMepValueList& items);
+bool SortByKey(const IxoMepExprNode& lambda, ElementList& items);
 
 // Destroys nodes that wait for their destruction; called by the outermost teardown. True when
 // there were any.

@@ -27,16 +27,36 @@ void CountBytes(RepHeader& rep, std::size_t bytes) {
   rep.counted = bytes;
 }
 
-// Counts the room before it is asked for.
-void SetCapacity(ListRep& rep, std::size_t capacity) {
-  CountBytes(rep, capacity * sizeof(IxoMepValue*));
-  rep.items.reserve(capacity);
+// Leaves so many free slots in front. Counts the room before it is asked for.
+void Arrange(ListRep& rep, std::size_t front, std::size_t capacity) {
+  CountBytes(rep, std::max(capacity, rep.items.Capacity()) * sizeof(IxoMepValue*));
+  rep.items.MoveTo(front, capacity);
 }
 
-// Makes room for one more element.
-void GrowByOne(ListRep& rep) {
-  const std::size_t capacity = rep.items.capacity();
-  if (rep.items.size() == capacity) SetCapacity(rep, std::max(kFirstCapacity, capacity * 2));
+// Makes room for one more element behind. All elements are moved when half as many as there are
+// can be added before they are moved again, so that a step takes constant time on the average.
+void GrowBehind(ListRep& rep) {
+  if (rep.items.HasRoomBehind()) return;
+  const std::size_t count = rep.items.size();
+  const bool has_room = rep.items.Capacity() - count >= std::max(kFirstCapacity, count / 2);
+  Arrange(rep, 0, has_room ? rep.items.Capacity() : std::max(kFirstCapacity, count * 2));
+}
+
+// The same in front; half of the room stays behind.
+void GrowInFront(ListRep& rep) {
+  if (rep.items.HasRoomInFront()) return;
+  const std::size_t count = rep.items.size();
+  std::size_t capacity = rep.items.Capacity();
+  if (capacity - count < std::max(kFirstCapacity, count / 2)) {
+    capacity = count + std::max(kFirstCapacity, count);
+  }
+  Arrange(rep, (capacity - count) / 2, capacity);
+}
+
+// Whether a change at that index moves the elements in front of it, which are fewer. A pinned
+// storage does as a vector would: somebody may know a slot in front of the change.
+bool MovesFront(const ListRep& rep, std::size_t index) noexcept {
+  return !rep.pinned && index < rep.items.size() / 2;
 }
 
 const IxoMepValue& OrNull(const IxoMepValue* value) noexcept {
@@ -93,7 +113,7 @@ const IxoMepValue& ValueAccess::FollowReference(const IxoMepValue& v) noexcept {
 
 // --- Writing ------------------------------------------------------------------------------------
 
-IxoMepValueList& ValueAccess::OwnItems(IxoMepValue& v) {
+ElementList& ValueAccess::OwnItems(IxoMepValue& v) {
   if (List(v)->IsShared()) Unshare(v);
   ListRep& rep = *List(v);
   rep.clean = false;
@@ -143,28 +163,32 @@ IxoMepValue*& ValueAccess::OwnEntrySlot(IxoMepValue& map, const IxoMepValue& key
 }
 
 void ValueAccess::AppendOwned(IxoMepValue& array, ValuePtr value) {
-  IxoMepValueList& items = OwnItems(array);
-  GrowByOne(*List(array));
-  items.push_back(value.release());
+  ElementList& items = OwnItems(array);
+  GrowBehind(*List(array));
+  items.Append(value.release());
 }
 
 void ValueAccess::Reserve(IxoMepValue& array, std::size_t count) {
   OwnItems(array);
-  if (count > Items(array).capacity()) SetCapacity(*List(array), count);
+  if (count > Items(array).Capacity()) Arrange(*List(array), 0, count);
 }
 
 void ValueAccess::InsertOwned(IxoMepValue& array, std::size_t index, ValuePtr value) {
-  IxoMepValueList& items = OwnItems(array);
-  GrowByOne(*List(array));
-  const auto place = items.begin() + static_cast<std::ptrdiff_t>(std::min(index, items.size()));
-  items.insert(place, value.release());
+  ElementList& items = OwnItems(array);
+  index = std::min(index, items.size());
+  if (MovesFront(*List(array), index)) {
+    GrowInFront(*List(array));
+    items.InsertMovingFront(index, value.release());
+  } else {
+    GrowBehind(*List(array));
+    items.InsertMovingBack(index, value.release());
+  }
 }
 
 ValuePtr ValueAccess::TakeAt(IxoMepValue& array, std::size_t index) {
-  IxoMepValueList& items = OwnItems(array);
-  ValuePtr taken(items[index]);
-  items.erase(items.begin() + static_cast<std::ptrdiff_t>(index));
-  return taken;
+  ElementList& items = OwnItems(array);
+  const bool moves_front = MovesFront(*List(array), index);
+  return ValuePtr(moves_front ? items.TakeMovingFront(index) : items.TakeMovingBack(index));
 }
 
 void ValueAccess::EraseAt(IxoMepValue& array, std::size_t index) { TakeAt(array, index); }
@@ -195,7 +219,7 @@ void ValueAccess::MakeArray(IxoMepValue& out, OwnedList&& elements) {
   MakeEmpty(array, IxoMepValueType::Array);
   ListRep& rep = *List(array);
   CountBytes(rep, elements.View().capacity() * sizeof(IxoMepValue*));
-  rep.items = elements.Release();
+  rep.items.Assign(elements.Release());
   out = std::move(array);
 }
 

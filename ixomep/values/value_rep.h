@@ -11,6 +11,7 @@
 #include <new>
 #include <utility>
 
+#include "ixomep/values/element_list.h"
 #include "ixomep/values/slot.h"
 #include "ixomep/values/text_index.h"
 #include "ixomep/values/value.h"
@@ -29,7 +30,7 @@ struct RepHeader {
 };
 
 struct ListRep : RepHeader {
-  IxoMepValueList items;  // owned; slots may be null only for a moment
+  ElementList items;  // owned; slots may be null only for a moment
 
   static void* operator new(std::size_t size);
   static void operator delete(void* block) noexcept;
@@ -84,12 +85,12 @@ struct ValueAccess {
     return further.payload_.bits;  // typed undefined, it owns nothing
   }
   // Read-only views; borrowed until the value changes.
-  static const IxoMepValueList& Items(const IxoMepValue& v) noexcept { return List(v)->items; }
+  static const ElementList& Items(const IxoMepValue& v) noexcept { return List(v)->items; }
   static const IxoMepValueMap& Entries(const IxoMepValue& v) noexcept { return Map(v)->items; }
   // Storage of its own for writing; unshares first. Does not pin: use it for the length of one
   // step, and make the new content before asking for the place, because copying the container in
   // between shares the storage that the place stands in.
-  static IxoMepValueList& OwnItems(IxoMepValue& v);
+  static ElementList& OwnItems(IxoMepValue& v);
   // For one that adds or removes entries; what only changes the values under keys uses the other.
   static IxoMepValueMap& OwnEntries(IxoMepValue& v);
   static IxoMepValueMap& OwnEntriesWithTheirKeys(IxoMepValue& v);

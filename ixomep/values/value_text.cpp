@@ -38,7 +38,7 @@ class RenderingMark {
 };
 
 struct OpenList {
-  const IxoMepValueList* items;
+  const ElementList* items;
   std::size_t next = 0;
 };
 

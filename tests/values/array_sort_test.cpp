@@ -137,12 +137,12 @@ TEST(ArraySort, Agrees_with_the_exchanges_on_random_mixtures) {
     for (std::size_t n = random() % 9; n > 0; --n) {
       ValueAccess::AppendOwned(array, MakeValue(pool[random() % kinds]));
     }
-    const IxoMepValueList& items = ValueAccess::Items(array);
+    const ElementList& items = ValueAccess::Items(array);
     std::vector<const IxoMepValue*> expected(items.begin(), items.end());
     ExchangeUntilSettled(expected);
     const std::string before = TextOf(array);
     Sort(array);
-    const IxoMepValueList& sorted = ValueAccess::Items(array);
+    const ElementList& sorted = ValueAccess::Items(array);
     EXPECT_TRUE(std::equal(sorted.begin(), sorted.end(), expected.begin(), expected.end()))
         << "round " << round << ": " << before;
   }
@@ -172,7 +172,7 @@ TEST(ArraySort, A_hundred_thousand_numbers_take_well_under_a_second) {
   const auto start = std::chrono::steady_clock::now();
   Sort(array);
   const auto took = std::chrono::steady_clock::now() - start;
-  const IxoMepValueList& items = ValueAccess::Items(array);
+  const ElementList& items = ValueAccess::Items(array);
   EXPECT_TRUE(std::is_sorted(items.begin(), items.end(), IxoMepValueLess()));
   EXPECT_LT(std::chrono::duration<double>(took).count(), 1.0);
 }
