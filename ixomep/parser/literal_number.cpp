@@ -184,8 +184,8 @@ ValuePtr NumberReader::Read(IxoMepErrorEnum& code, String& error_text) {
   if (first != '$') ReadDecimal();
 
   if (ended_at_point_ || text_.EndsAt(position_)) {
-    // Meant: a number that the text ends keeps the accumulated real, with its rounding.
-    return overflow_ ? Overflow(code, error_text) : PlainResult(true);
+    // Meant: a decimal number that the text ends keeps the accumulated real, with its rounding.
+    return overflow_ ? Overflow(code, error_text) : PlainResult(/*from_accumulator=*/first != '$');
   }
   if (At(position_) == '%' && text_.EndsAt(position_ + 1)) {
     ++position_;

@@ -161,11 +161,13 @@ TEST(LiteralNumber, Hexadecimal_digits_come_before_units) {
   EXPECT_EQ(NumberOf("$10cm"), 268.0 * 10000.0);
 }
 
-TEST(LiteralNumber, Hexadecimal_that_wrapped_gives_the_wrapped_real_at_the_end_of_the_text) {
-  CheckAll({{"$ffffffff", "real -1"},
-            {"$80000000", "real -2147483648"},
-            {"$100000000", "real 0"},
-            {"$ffffffff ", "real 4294967295 @9"}});
+TEST(LiteralNumber, Hexadecimal_that_wrapped_is_converted_afresh_wherever_it_ends) {
+  CheckAll({{"$ffffffff", "real 4294967295"},
+            {"-$ffffffff", "real -4294967295"},
+            {"$80000000", "real 2147483648"},
+            {"$100000000", "real 4294967296"},
+            {"$ffffffff ", "real 4294967295 @9"},
+            {"$ffffffff%", "real -0.01"}});
 }
 
 TEST(LiteralNumber, Percent_only_at_the_very_end_of_the_text) {
