@@ -41,7 +41,7 @@ IxoMepErrorEnum ReturnConverted(Call& call, ByteConversion& convert) {
 }
 
 void AppendEscaped(String& query, const IxoMepValue& value, const String& unescaped) {
-  query += HttpRequest::escapeUrlStyle(value.GetStr(), unescaped);
+  query += HttpRequest::escapeUrlStyle(ValueAccess::StrOf(value), unescaped);
 }
 
 }  // namespace

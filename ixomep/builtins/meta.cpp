@@ -121,7 +121,7 @@ IxoMepErrorEnum CurVars(Call& call) {
   for (const auto& [name, value] : variables.map) {
     text += name;
     text += ':';
-    text += value->GetText();
+    text += ValueAccess::TextOf(*value);
     text += '\n';
   }
   return call.Return(std::move(text));

@@ -51,7 +51,7 @@ IxoMepErrorEnum IUpper(Call& call) {
   return call.Return(International::Upper(call.Text(0), CharSet::Ansi));
 }
 
-IxoMepErrorEnum MStr(Call& call) { return call.Return(call.Arg(0).GetText(/*period=*/false)); }
+IxoMepErrorEnum MStr(Call& call) { return call.Return(ValueAccess::TextOf(call.Arg(0))); }
 
 IxoMepErrorEnum UIStr(Call& call) {
   String text = StringFromDouble(call.Real(0));

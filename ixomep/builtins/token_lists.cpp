@@ -45,10 +45,10 @@ String TextOfElement(const IxoMepValue& element) {
   if (element.GetType() == IxoMepValueType::Time) {
     return IxoCoreTime::_d2s(ValueAccess::Number(element));
   }
-  return element.GetText();
+  return ValueAccess::TextOf(element);
 }
 
-String LiteralOfElement(const IxoMepValue& element) { return element.GetText(); }
+String LiteralOfElement(const IxoMepValue& element) { return ValueAccess::TextOf(element); }
 
 IxoMepErrorEnum Join(Call& call, String (*text_of)(const IxoMepValue&)) {
   const Separator separator = SeparatorArg(call, 1);

@@ -76,6 +76,13 @@ IxoMepErrorEnum Place::AddLevel(const IxoMepExprNode& node, Frame& frame, IxoMep
     Frame index_frame = Creates() ? frame.With(false) : frame;
     IxoMepErrorEnum code = EvaluateOperand(*cell->Left(), index_frame, index);
     if (code == IMEPERR_NONE && !IsQuiet(*cell->Left())) code = Find(frame, value);
+    if (code == IMEPERR_NONE && IsContainer(ValueAccess::Follow(index)) &&
+        ValueAccess::Follow(*value).GetType() == Type::Map) {
+      // The key may share its storage with what the path leads through, and is to become a part of
+      // it. So the way is gone again while the key holds its share: the path gets its own storages.
+      ReplaceReference(index);
+      code = Find(frame, value);
+    }
     if (code != IMEPERR_NONE) return code;
     steps_.push_back(Step{std::move(index)});
     code = Follow(frame, steps_.back(), value);

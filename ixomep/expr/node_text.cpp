@@ -14,6 +14,7 @@
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/expr/value_set.h"
 #include "ixomep/host/assertion.h"
+#include "ixomep/values/value_rep.h"
 
 namespace {
 
@@ -139,7 +140,7 @@ class Printer {
   void PrintValue(const IxoMepValue* value) {
     if (value == nullptr) return;
     if (ixomep::StackGuard::HasRoom()) {
-      Put(value->GetText());
+      Put(ixomep::ValueAccess::TextOf(*value));
     } else {
       Put("...");
     }

@@ -66,7 +66,7 @@ IxoMepErrorEnum NegateMeasure(const Operand& o) {
 // A text stays as it is: no quotes, no escapes.
 IxoMepErrorEnum TextOf(const Operand& o) {
   if (o.value.GetType() == Type::String) return o.Give(ValueAccess::Text(o.value));
-  return o.Give(o.value.GetText(false));
+  return o.Give(ValueAccess::TextOf(o.value));
 }
 
 // Reads one literal from the start of the text, behind white space; what follows is ignored.

@@ -45,7 +45,7 @@ constexpr std::size_t kIndent = 4;
 
 String ExportTextOf(const IxoMepValue& value) {
   if (value.GetType() == IxoMepValueType::String) return value.GetStr();
-  return value.GetText(/*period=*/false);
+  return ixomep::ValueAccess::TextOf(value);
 }
 
 // Whether the host's character set has ASCII as everyone has it.

@@ -57,7 +57,7 @@ class IXOMEP_API IxoMepObject {
   // refer to the arguments. 42 for an unknown name or a property that is no lambda.
   long EvaluateObjectMethodCall(const char* name, const IxoMepValueList& args, IxoMepValue*& result,
                                 String& errorText);
-  // "OBJECT{a: 1, b: 2}" in name order.
+  // "OBJECT{a: 1, b: 2}" in name order; empty when there is no memory for it.
   String GetText() const;
 
   // The extension point of hosts: adds or replaces a native method.

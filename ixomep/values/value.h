@@ -215,7 +215,8 @@ class IXOMEP_API IxoMepValue {
   void MoveValue(const String& name, IxoMepValue* value);
 
   // --- Text, members (value_text.cpp, value_methods.cpp) ----------------------------------------
-  // The text form; period chooses the real format of the outermost value only.
+  // The text form; period chooses the real format of the outermost value only. Empty when there is
+  // no memory for it, and when it is longer than a text can be.
   String GetText(bool period = false) const;
   // 0 and a new value owned by the caller, or 42; 37 when the memory cannot be had.
   long GetPropertyValue(const char* name, IxoMepValue*& result, String& errorText) const;

@@ -90,8 +90,8 @@ const IxoMepObject* IxoMepValue::GetObject() const noexcept {
   return const_cast<IxoMepValue*>(this)->GetObject();
 }
 
-String IxoMepValue::GetStr() const {
-  const IxoMepValue& value = ValueAccess::Follow(*this);
+String ValueAccess::StrOf(const IxoMepValue& v) {
+  const IxoMepValue& value = Follow(v);
   switch (value.type_) {
     case Type::String:
       return ValueAccess::Text(value);
@@ -99,7 +99,15 @@ String IxoMepValue::GetStr() const {
     case Type::Reference:  // a chain without an end has no text
       return {};
     default:
-      return value.GetText(false);
+      return TextOf(value);
+  }
+}
+
+String IxoMepValue::GetStr() const {
+  try {
+    return ValueAccess::StrOf(*this);
+  } catch (const std::exception&) {  // too long, or no memory
+    return {};
   }
 }
 

@@ -154,9 +154,9 @@ IxoMepValue*& ValueAccess::OwnEntrySlot(IxoMepValue& map, const IxoMepValue& key
   if (const TextIndex::Entry* const entry = Lookup(map, key)) {
     return const_cast<TextIndex::Entry*>(entry)->second;
   }
+  ValuePtr own_key = MakeValue(key);  // before the entries are taken: it may be this map
   IxoMepValueMap& entries = OwnEntries(map);
   CountBytes(*Map(map), (entries.size() + 1) * kEntryBytes);
-  ValuePtr own_key = MakeValue(key);
   const auto [place, inserted] = entries.emplace(own_key.get(), nullptr);
   if (inserted) static_cast<void>(own_key.release());
   return place->second;

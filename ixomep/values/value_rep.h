@@ -87,6 +87,10 @@ struct ValueAccess {
   // Read-only views; borrowed until the value changes.
   static const ElementList& Items(const IxoMepValue& v) noexcept { return List(v)->items; }
   static const IxoMepValueMap& Entries(const IxoMepValue& v) noexcept { return Map(v)->items; }
+  // What GetText and GetStr give. Throw where those are empty for want of memory:
+  // std::length_error for a text too long for a String, else std::bad_alloc.
+  static String TextOf(const IxoMepValue& value, bool period = false);
+  static String StrOf(const IxoMepValue& v);
   // Storage of its own for writing; unshares first. Does not pin: use it for the length of one
   // step, and make the new content before asking for the place, because copying the container in
   // between shares the storage that the place stands in.

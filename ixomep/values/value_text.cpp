@@ -201,14 +201,26 @@ class TextWriter {
 
 }  // namespace ixomep
 
-String IxoMepValue::GetText(bool period) const {
-  ixomep::TextWriter writer;
-  writer.Write(*this, period);
+String ixomep::ValueAccess::TextOf(const IxoMepValue& value, bool period) {
+  TextWriter writer;
+  writer.Write(value, period);
   return writer.Take();
 }
 
+String IxoMepValue::GetText(bool period) const {
+  try {
+    return ixomep::ValueAccess::TextOf(*this, period);
+  } catch (const std::exception&) {  // too long, or no memory
+    return {};
+  }
+}
+
 String IxoMepObject::GetText() const {
-  ixomep::TextWriter writer;
-  writer.Write(*this);
-  return writer.Take();
+  try {
+    ixomep::TextWriter writer;
+    writer.Write(*this);
+    return writer.Take();
+  } catch (const std::exception&) {
+    return {};
+  }
 }

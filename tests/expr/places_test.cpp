@@ -6,6 +6,7 @@
 #include "ixomep/values/object.h"
 #include "ixomep/values/string_address_map.h"
 #include "tests/support/eval.h"
+#include "tests/support/test_host.h"
 #include "tests/support/trees.h"
 
 namespace ixomep::test {
@@ -63,6 +64,35 @@ TEST(Places, A_missing_map_entry_is_created_and_stays_undefined) {
   Eval("m := map()", &scope);
   EXPECT_EQ(ShownValue(PlaceOf("m[\"k\"]", scope)), "undefined");
   EXPECT_EQ(ShownVariable(scope, "m"), "map {\"k\": (undefined)}");
+}
+
+// The key is a copy of the container that it becomes a part of.
+TEST(Places, A_container_may_be_the_key_of_an_entry_inside_itself) {
+  const TestHost host;  // maps have no order, which each comparison reports
+  struct Row {
+    const char* assignment;
+    const char* expected;
+  };
+  for (const Row& row : {Row{"x[\"k\"][x] := 5", "map {\"k\": {{\"k\": {}}: 5}}"},
+                         Row{"x[\"k\", x] := 5", "map {\"k\": {{\"k\": {}}: 5}}"},
+                         Row{"set(x[\"k\"][x], 5)", "map {\"k\": {{\"k\": {}}: 5}}"},
+                         Row{"for(x[\"k\"][x], 1, 2, 0)", "map {\"k\": {{\"k\": {}}: 2}}"},
+                         Row{"x[x] := 5", "map {\"k\": {}, {\"k\": {}}: 5}"}}) {
+    IxoMepExpressionParser parser;
+    String error;
+    ASSERT_EQ(parser.SetExpression(row.assignment, error), 0) << row.assignment;
+    for (int evaluation = 1; evaluation <= 3; ++evaluation) {
+      IxoMepValueSet scope;
+      Eval("x := {\"k\": map()}", &scope);
+      IxoMepValue* result = nullptr;
+      EXPECT_EQ(parser.Evaluate(&scope, result, error, false, false), 0) << row.assignment;
+      const ValuePtr owned(result);
+      EXPECT_EQ(ShownVariable(scope, "x"), row.expected) << row.assignment << ", " << evaluation;
+    }
+  }
+  IxoMepValueSet scope;
+  Eval("a := {map()}, a[0][a] := 5", &scope);
+  EXPECT_EQ(ShownVariable(scope, "a"), "array {{{{}}: 5}}");
 }
 
 TEST(Places, Places_that_are_none_fail_with_the_code_of_the_step) {
@@ -192,6 +222,15 @@ TEST(References, What_is_assigned_is_a_copy_of_what_a_reference_refers_to) {
   EXPECT_EQ(ShownVariable(scope, "x"), "integer 1");
   EXPECT_EQ(ShownVariable(scope, "a"), "array {1}");
   EXPECT_EQ(ShownVariable(scope, "m"), "map {1: 2}");
+}
+
+TEST(References, A_map_may_be_its_own_key_through_one) {
+  const TestHost host;
+  IxoMepValueSet scope;
+  IxoMepValue target = ValueOf("{\"k\": 1}");
+  Set(scope, "r", IxoMepValue(&target));
+  Eval("r[r] := 5", &scope);
+  EXPECT_EQ(ShownValue(target), "map {\"k\": 1, {\"k\": 1}: 5}");
 }
 
 TEST(References, A_circle_of_references_ends_and_is_undefined_when_it_is_assigned) {

@@ -28,6 +28,14 @@ TEST(ValueArrayEditing, Insert_takes_the_value_over_before_the_position) {
   }
 }
 
+TEST(ValueMapEditing, A_map_may_be_its_own_key) {
+  const TestHost host;  // maps have no order, which each comparison reports
+  IxoMepValue map = Map({"a", 1});
+  const IxoMepValue value(2);
+  EXPECT_TRUE(map.SetValue(&map, &value));
+  EXPECT_EQ(TextOf(map), "{\"a\": 1, {\"a\": 1}: 2}");
+}
+
 TEST(ValueArrayEditing, Other_types_leave_the_value_to_the_caller) {
   for (const Type type : kAllTypes) {
     if (type == Type::Array) continue;
