@@ -93,12 +93,33 @@ const Shape kShapes[] = {
     {"array", "{", [](std::size_t n) { return std::to_string(n % 100000); }, ",", "}"},
     {"parentheses", "", [](std::size_t) { return Repeated("(", 200) + "x" + Repeated(")", 200); },
      "+", ""},
+    {"brackets", "", [](std::size_t) { return Repeated("a[", 200) + "x" + Repeated("]", 200); },
+     "+", ""},
+    {"braces", "", [](std::size_t) { return Repeated("{", 200) + "x" + Repeated("}", 200); }, "+",
+     ""},
     {"nested calls", "", [](std::size_t) { return Repeated("f(", 200) + "x" + Repeated(")", 200); },
      "+", ""},
+    {"nested calls, three names", "",
+     [](std::size_t) { return Repeated("f(g(h(", 1000) + "x" + Repeated(")", 3000); }, "+", ""},
+    {"nested conditions", "",
+     [](std::size_t) { return Repeated("cond(x < 10, ", 40) + "1" + Repeated(", 0)", 40); }, "+",
+     ""},
+    {"wide call", "f(", [](std::size_t) { return std::string("x"); }, ",", ")"},
+    {"operators", "",
+     [](std::size_t n) {
+       static const char* const kTerms[] = {"a * 2", "b - c / 4", "count MOD 7", "LEN name",
+                                            "(NOT done)"};
+       return std::string(kTerms[n % 5]);
+     },
+     " + ", ""},
+    {"signs", "", [](std::size_t) { return Repeated("-", 50) + "x"; }, "+", ""},
+    {"blocks", "", [](std::size_t) { return std::string("for(i, 0, n){x := x + i}"); }, ", ", ""},
+    {"lambdas", "", [](std::size_t) { return std::string("lambda(a, b, a + b)"); }, ", ", ""},
     {"one long string", "\"", [](std::size_t) { return std::string("lorem ipsum "); }, "", "\""},
     {"strings", "{", [](std::size_t n) { return "\"text number " + std::to_string(n) + "\""; },
      ", ", "}"},
     {"names", "", [](std::size_t n) { return "name" + std::to_string(n); }, "+", ""},
+    {"digits", "{", [](std::size_t n) { return std::to_string(n % 10); }, ",", "}"},
     {"numbers", "",
      [](std::size_t n) {
        const std::string number = std::to_string(n % 10000);

@@ -1,6 +1,6 @@
 // IxoMepExpressionParser: one compiled expression: what the host holds, evaluates against scopes
 // and derives from to add functions. The tree is shared among copies. Defined in
-// expression_parser.cpp; scanner and grammar in scanner.cpp, grammar.cpp and param_list.cpp.
+// expression_parser.cpp; scanner and grammar in scanner.cpp and grammar.cpp.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@
 namespace ixomep {
 class NodePtr;
 class TokenList;
-struct ExprGrammar;
+class ExprGrammar;
 }  // namespace ixomep
 
 class IXOMEP_API IxoMepExpressionParser {
@@ -72,7 +72,7 @@ class IXOMEP_API IxoMepExpressionParser {
                                        String& errorText, bool strict) const;
 
  private:
-  friend struct ixomep::ExprGrammar;
+  friend class ixomep::ExprGrammar;
 
   // The grammar, lowest level first: each consumes tokens from the front of the list and gives
   // the subtree, or null with error and text set.

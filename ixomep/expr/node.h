@@ -20,6 +20,7 @@ class IxoMepValueSet;
 
 namespace ixomep {
 struct NodeAccess;
+class TreeSlot;
 // Hash and equality of the built-in table: over the text of the name.
 struct IXOMEP_API FunctionNameHash {
   std::size_t operator()(const char* name) const noexcept;
@@ -149,14 +150,23 @@ class IXOMEP_API IxoMepExprNode {
 
  private:
   friend struct ixomep::NodeAccess;
+  friend class ixomep::TreeSlot;
   // The count of further owners never passes 16 bits. Beside it stand the bucket of a scope in
   // which the name is looked up, and in the top two bits what the engine knows of the tree that
   // begins here (NodeAccess::Mark).
   static constexpr std::uint32_t kCountMask = 0xffffu;
   static constexpr std::uint32_t kBucketShift = 16;
   static constexpr std::uint32_t kMaxExtraReferences = 65535;
+  // Complete, in a block that the caller has.
+  IxoMepExprNode(IxoMepExprNodeType kind, std::uint32_t bits, IxoMepExprNode* left,
+                 const char* name) noexcept
+      : kind_(kind), extra_references_(bits), left_(left), right_(nullptr), name_(name) {}
   ~IxoMepExprNode() = default;  // DeleteReference is the only way out
 
+  static void FillFunctionTable() {
+    static const bool is_filled = (InitFunctionCallMap(), true);
+    static_cast<void>(is_filled);
+  }
   static void InitFunctionCallMap();  // ../builtins/table.cpp
 
   IxoMepExprNodeType kind_;

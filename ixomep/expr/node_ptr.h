@@ -11,6 +11,7 @@
 namespace ixomep {
 
 class NodePtr;
+class TreeSlot;
 
 // Fields of a node. Setters are for nodes under construction only: a finished tree is never
 // changed.
@@ -88,6 +89,8 @@ class NodePtr {
   void Reset() noexcept;
 
  private:
+  friend class TreeSlot;
+
   IxoMepExprNode* node_ = nullptr;
 };
 
@@ -97,7 +100,6 @@ inline void NodeAccess::SetLeft(IxoMepExprNode& n, NodePtr left) noexcept {
 inline void NodeAccess::SetRight(IxoMepExprNode& n, NodePtr right) noexcept {
   n.right_ = right.Release();
 }
-
 inline NodePtr NodePtr::Share(const IxoMepExprNode* node) {
   auto* const shared = const_cast<IxoMepExprNode*>(node);
   if (node == nullptr || NodeAccess::AddFurtherOwner(*node)) return NodePtr(shared);

@@ -1,8 +1,8 @@
 // Text -> tokens. One pass over the bytes, a batch at a time as the grammar asks for more. Names
-// and constants become nodes at once; literals are read by IxoMepValue::Create.
+// are interned and constants made at once; literals are read by IxoMepValue::Create. The zero byte
+// behind the text ends every run of bytes, so that only a zero byte asks for the end of the text.
 #include "ixomep/expr/scanner.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
 
@@ -12,9 +12,8 @@
 namespace ixomep {
 namespace {
 
-constexpr std::size_t kMaxKeyword = 9;      // letters; a longer run is no keyword
-constexpr std::size_t kMaxShownWord = 20;   // letters of an unknown keyword in the error text
-constexpr std::size_t kMaxWholeDigits = 9;  // every number of so many digits has 32 bits
+constexpr std::size_t kMaxShownWord = 20;      // letters of an unknown keyword in the error text
+constexpr std::ptrdiff_t kMaxWholeDigits = 9;  // every number of so many digits has 32 bits
 
 // What a byte that is no letter, digit or quote may be: a token of one byte, and a token of two
 // with the byte that must follow. Constant stands for "no such token".
@@ -41,35 +40,71 @@ constexpr std::array<Symbol, 256> MakeSymbols() {
 
 constexpr std::array<Symbol, 256> kSymbols = MakeSymbols();
 
-const OperatorRow* FindKeyword(std::string_view word) {
-  if (word.size() > kMaxKeyword) return nullptr;
-  for (const OperatorRow& row : kOperators) {
-    if (row.is_word && row.spelling == word) return &row;
-  }
-  return nullptr;
+constexpr const Symbol& SymbolOf(char byte) { return kSymbols[static_cast<unsigned char>(byte)]; }
+
+// Where a word of two letters or more stands among the keywords; no two of them at one place.
+constexpr std::size_t kKeywordPlaces = 32;
+
+constexpr std::size_t PlaceOf(std::string_view word) {
+  const auto letter = [&](std::size_t i) { return static_cast<std::size_t>(word[i]); };
+  return (letter(0) + letter(1) * 5 + letter(word.size() - 1) * 10 + word.size()) % kKeywordPlaces;
 }
 
-// What starts with a byte.
-enum class Start : std::uint8_t { Symbol, Blank, Comment, Paren, Upper, Name, Digit, Dot, Literal };
+using Keywords = std::array<const OperatorRow*, kKeywordPlaces>;
+
+constexpr Keywords MakeKeywords() {
+  Keywords keywords{};
+  for (const OperatorRow& row : kOperators) {
+    if (row.is_word) keywords[PlaceOf(row.spelling)] = &row;
+  }
+  return keywords;
+}
+
+constexpr Keywords kKeywords = MakeKeywords();
+
+constexpr const OperatorRow* FindKeyword(std::string_view word) {
+  if (word.size() < 2) return nullptr;
+  const OperatorRow* const row = kKeywords[PlaceOf(word)];
+  return row != nullptr && row->spelling == word ? row : nullptr;
+}
+
+static_assert(
+    [] {
+      for (const OperatorRow& row : kOperators) {
+        if (row.is_word && FindKeyword(row.spelling) != &row) return false;
+      }
+      return true;
+    }(),
+    "two keywords have one place");
+
+// What starts with a byte. Pair: a symbol that may have a second byte.
+enum class Start : std::uint8_t {
+  Blank,
+  Comment,
+  Paren,
+  Symbol,
+  Pair,
+  Name,
+  Hyphens,
+  Digit,
+  Dot,
+  Literal,
+  Upper,
+  None
+};
 
 constexpr Start StartOf(char byte) {
   if (CharClass::IsWhite(byte)) return Start::Blank;
   if (CharClass::IsUpper(byte)) return Start::Upper;
+  if (byte == '?') return Start::Hyphens;
   if (CharClass::IsNameStart(byte)) return Start::Name;
   if (CharClass::IsDigit(byte)) return Start::Digit;
-  switch (byte) {
-    case '#':
-      return Start::Comment;
-    case '(':
-      return Start::Paren;
-    case '.':
-      return Start::Dot;
-    case '"':
-    case '$':
-      return Start::Literal;
-    default:
-      return Start::Symbol;
-  }
+  if (byte == '#') return Start::Comment;
+  if (byte == '(') return Start::Paren;
+  if (byte == '.') return Start::Dot;
+  if (byte == '"' || byte == '$') return Start::Literal;
+  if (SymbolOf(byte).follower != '\0') return Start::Pair;
+  return SymbolOf(byte).alone != IxoMepExprNodeType::Constant ? Start::Symbol : Start::None;
 }
 
 constexpr std::array<Start, 256> MakeStarts() {
@@ -84,148 +119,141 @@ constexpr std::array<Start, 256> kStarts = MakeStarts();
 
 }  // namespace
 
-// Reads on until that many tokens have been appended, or the text ends, or a token is none.
-IxoMepErrorEnum Scanner::Read(TokenList& tokens, std::size_t count) {
-  while (count > 0 && position_ < bytes_.size()) {
-    start_ = position_;
-    bool appended = true;
-    switch (kStarts[static_cast<unsigned char>(bytes_[position_])]) {
+bool Scanner::ReadMore(TokenList& tokens) {
+  if (code_ != IMEPERR_NONE || at_ == end_) return false;
+  work_.Part();
+  const char* at = at_;
+  for (std::size_t wanted = TokenList::kBatch; wanted > 0;) {
+    const char* behind = nullptr;
+    switch (kStarts[static_cast<unsigned char>(*at)]) {
       case Start::Blank:
-        ++position_;
+        ++at;
         continue;
       case Start::Comment:
-        SkipBehind("\n", 1);
+        at = Behind("\n", at + 1);
         continue;
       case Start::Paren:
-        if (Peek(1) == '*') {
-          SkipBehind("*)", 2);
+        if (at[1] == '*') {
+          at = Behind("*)", at + 2);
           continue;
         }
-        appended = ReadSymbol(tokens);
+        [[fallthrough]];
+      case Start::Symbol:
+        tokens.AppendSymbol(SymbolOf(*at).alone, OffsetOf(at));
+        behind = at + 1;
         break;
-      case Start::Upper:
-        appended = ReadKeyword(tokens);
+      case Start::Pair:
+        behind = ReadPair(tokens, at);
         break;
       case Start::Name:
-        ReadName(tokens);
+        behind = ReadName(tokens, at);
+        break;
+      case Start::Hyphens:
+        behind = ReadHyphenName(tokens, at);
         break;
       case Start::Digit:
-        appended = ReadWholeNumber(tokens) || ReadLiteral(tokens);
+        behind = ReadNumber(tokens, at);
         break;
       case Start::Dot:
-        appended = CharClass::IsDigit(Peek(1)) ? ReadLiteral(tokens) : ReadSymbol(tokens);
+        behind = CharClass::IsDigit(at[1]) ? ReadLiteral(tokens, at) : ReadPair(tokens, at);
         break;
       case Start::Literal:
-        appended = ReadLiteral(tokens);
+        behind = ReadLiteral(tokens, at);
         break;
-      case Start::Symbol:
-        appended = ReadSymbol(tokens);
+      case Start::Upper:
+        behind = ReadKeyword(tokens, at);
+        break;
+      case Start::None:
+        if (at != end_) Fail(IMEPERR_UNKNOWN_CHARACTER);
         break;
     }
-    if (!appended) return code_;
-    --count;
+    if (behind == nullptr) break;
+    at = behind;
+    --wanted;
   }
-  return IMEPERR_NONE;
-}
-
-bool Scanner::ReadMore(TokenList& tokens) {
-  if (code_ != IMEPERR_NONE || position_ == bytes_.size()) return false;
-  work_.Part();
-  Read(tokens, TokenList::kBatch);
+  at_ = at;
   return true;
 }
 
-// To behind the next such mark, looked for `opener` bytes on, or to the end of the text.
-void Scanner::SkipBehind(std::string_view mark, std::size_t opener) {
-  const std::size_t found = bytes_.find(mark, position_ + opener);
-  position_ = found == std::string_view::npos ? bytes_.size() : found + mark.size();
+const char* Scanner::Behind(std::string_view mark, const char* from) const noexcept {
+  const std::string_view rest(from, static_cast<std::size_t>(end_ - from));
+  const std::size_t found = rest.find(mark);
+  return found == std::string_view::npos ? end_ : from + found + mark.size();
 }
 
-bool Scanner::Fail(IxoMepErrorEnum code, std::initializer_list<Fill> fills) {
+const char* Scanner::Fail(IxoMepErrorEnum code, std::initializer_list<Fill> fills) {
   code_ = Raise(error_text_, code, fills);
-  return false;
+  return nullptr;
 }
 
-bool Scanner::ReadKeyword(TokenList& tokens) {
-  while (CharClass::IsUpper(Peek())) ++position_;
-  const std::string_view word = bytes_.substr(start_, position_ - start_);
-  const OperatorRow* const row = FindKeyword(word);
-  if (row == nullptr) {
-    std::string shown(word.substr(0, kMaxShownWord));
-    if (word.size() > kMaxShownWord) shown += "...";
-    return Fail(IMEPERR_UNKNOWN_KEYWORD, {{"%s", shown}});
+const char* Scanner::ReadKeyword(TokenList& tokens, const char* at) {
+  const char* end = at;
+  while (CharClass::IsUpper(*end)) ++end;
+  const std::string_view word(at, static_cast<std::size_t>(end - at));
+  if (const OperatorRow* const row = FindKeyword(word)) {
+    tokens.AppendSymbol(row->kind, OffsetOf(at));
+    return end;
   }
-  tokens.AppendSymbol(row->kind, Offset());
-  return true;
+  std::string shown(word.substr(0, kMaxShownWord));
+  if (word.size() > kMaxShownWord) shown += "...";
+  return Fail(IMEPERR_UNKNOWN_KEYWORD, {{"%s", shown}});
+}
+
+inline const char* Scanner::ReadName(TokenList& tokens, const char* at) {
+  const char* end = at + 1;
+  while (CharClass::IsNameByte(*end)) ++end;
+  tokens.AppendName(names_.Intern({at, static_cast<std::size_t>(end - at)}), OffsetOf(at));
+  return end;
 }
 
 // A leading question mark is no part of the name and allows hyphens in it.
-void Scanner::ReadName(TokenList& tokens) {
-  const bool hyphens = Peek() == '?';
-  ++position_;
-  while (CharClass::IsNameByte(Peek()) || (hyphens && Peek() == '-')) ++position_;
-  const std::size_t begin = start_ + (hyphens ? 1 : 0);
-  tokens.AppendName(names_.Intern(bytes_.substr(begin, position_ - begin)), Offset());
+const char* Scanner::ReadHyphenName(TokenList& tokens, const char* at) {
+  const char* end = at + 1;
+  while (CharClass::IsNameByte(*end) || *end == '-') ++end;
+  tokens.AppendName(names_.Intern({at + 1, static_cast<std::size_t>(end - at - 1)}), OffsetOf(at));
+  return end;
 }
 
 // The frequent literal, without the general reader: few digits that nothing follows which could
 // belong to the literal (a point, letters, "%", the ":" of a time) and that do not end the text.
-bool Scanner::ReadWholeNumber(TokenList& tokens) {
-  std::size_t end = start_;
-  const std::size_t most = std::min(bytes_.size(), start_ + kMaxWholeDigits);
+inline const char* Scanner::ReadNumber(TokenList& tokens, const char* at) {
+  const char* end = at;
   std::int32_t number = 0;
-  for (; end < most && CharClass::IsDigit(bytes_[end]); ++end) {
-    number = number * 10 + (bytes_[end] - '0');
+  while (CharClass::IsDigit(*end) && end - at < kMaxWholeDigits) {
+    number = number * 10 + (*end++ - '0');
   }
-  if (end >= bytes_.size()) return false;
-  const char next = bytes_[end];
-  if (CharClass::IsNameByte(next) || next == '.' || next == '%' || next == ':') return false;
-  position_ = end;
-  tokens.AppendConstant(MakeValue(number), Offset());
-  return true;
+  const bool is_whole = !CharClass::IsNameByte(*end) && *end != '.' && *end != '%' && *end != ':';
+  if (!is_whole || end == end_) return ReadLiteral(tokens, at);
+  tokens.AppendConstant(MakeValue(number), OffsetOf(at));
+  return end;
 }
 
-bool Scanner::ReadLiteral(TokenList& tokens) {
-  std::int32_t position = Offset();
+const char* Scanner::ReadLiteral(TokenList& tokens, const char* at) {
+  std::int32_t position = OffsetOf(at);
   IxoMepErrorEnum code = IMEPERR_NONE;
   ValuePtr value(IxoMepValue::Create(text_, position, code, error_text_, nullptr, -1));
   if (code != IMEPERR_NONE) {
     code_ = code;
-    return false;
+    return nullptr;
   }
-  position_ = static_cast<std::size_t>(position);
-  tokens.AppendConstant(std::move(value), Offset());
-  return true;
+  tokens.AppendConstant(std::move(value), OffsetOf(at));
+  return begin_ + position;
 }
 
-bool Scanner::ReadSymbol(TokenList& tokens) {
-  const Symbol& symbol = kSymbols[static_cast<unsigned char>(Peek())];
+const char* Scanner::ReadPair(TokenList& tokens, const char* at) {
+  const Symbol& symbol = SymbolOf(*at);
   IxoMepExprNodeType kind = symbol.alone;
-  std::size_t length = 1;
-  if (symbol.follower != '\0') {
-    if (Peek(1) == symbol.follower) {
-      kind = symbol.with_follower;
-      length = 2;
-    } else if (Peek() == '<' && Peek(1) == '>') {  // the other spelling of "!="
-      kind = IxoMepExprNodeType::NotEqual;
-      length = 2;
-    }
+  std::ptrdiff_t length = 1;
+  if (symbol.follower != '\0' && at[1] == symbol.follower) {
+    kind = symbol.with_follower;
+    length = 2;
+  } else if (*at == '<' && at[1] == '>') {  // the other spelling of "!="
+    kind = IxoMepExprNodeType::NotEqual;
+    length = 2;
   }
   if (kind == IxoMepExprNodeType::Constant) return Fail(IMEPERR_UNKNOWN_CHARACTER);
-  position_ += length;
-  tokens.AppendSymbol(kind, Offset());
-  return true;
-}
-
-IxoMepErrorEnum Scan(const String& text, TokenList& tokens, String& error_text,
-                     std::int32_t& error_offset) {
-  Scanner scanner(text);
-  const IxoMepErrorEnum code = scanner.Read(tokens, static_cast<std::size_t>(text.Len()));
-  if (code != IMEPERR_NONE) {
-    error_offset = scanner.Offset();
-    error_text = scanner.ErrorText();
-  }
-  return code;
+  tokens.AppendSymbol(kind, OffsetOf(at));
+  return at + length;
 }
 
 }  // namespace ixomep

@@ -19,47 +19,43 @@ namespace ixomep {
 class Scanner final : public TokenSource {
  public:
   // The text must outlive the scanner.
-  explicit Scanner(const String& text) : text_(text), bytes_(text.view()) {}
+  explicit Scanner(const String& text)
+      : text_(text), begin_(text.c_str()), end_(begin_ + text.Len()), at_(begin_) {}
 
-  // Appends up to `count` further tokens; fewer only at the end of the text or on a failure,
-  // whose code is returned from then on.
-  IxoMepErrorEnum Read(TokenList& tokens, std::size_t count);
+  // Fewer tokens than a batch only at the end of the text or on a failure.
   bool ReadMore(TokenList& tokens) override;
 
+  // Of the failure that ended the reading, if one did.
   IxoMepErrorEnum Code() const noexcept { return code_; }
   const String& ErrorText() const noexcept { return error_text_; }
-  // Where the token read last starts, the offending one after a failure.
-  std::int32_t Offset() const noexcept { return static_cast<std::int32_t>(start_); }
+  // Where the reading goes on; after a failure, where the offending token starts.
+  std::int32_t Offset() const noexcept { return OffsetOf(at_); }
 
  private:
-  // The byte so far behind the position; zero behind the end of the text.
-  char Peek(std::size_t ahead = 0) const noexcept {
-    const std::size_t at = position_ + ahead;
-    return at < bytes_.size() ? bytes_[at] : '\0';
+  std::int32_t OffsetOf(const char* place) const noexcept {
+    return static_cast<std::int32_t>(place - begin_);
   }
-  void SkipBehind(std::string_view mark, std::size_t opener);
-  bool Fail(IxoMepErrorEnum code, std::initializer_list<Fill> fills = {});
+  const char* Fail(IxoMepErrorEnum code, std::initializer_list<Fill> fills = {});
 
-  // Each appends the token that starts here and moves behind it; false when there is none.
-  bool ReadKeyword(TokenList& tokens);
-  void ReadName(TokenList& tokens);
-  bool ReadWholeNumber(TokenList& tokens);
-  bool ReadLiteral(TokenList& tokens);
-  bool ReadSymbol(TokenList& tokens);
+  // Each appends the token that starts at a place and gives the place behind it; null after a
+  // failure.
+  const char* ReadName(TokenList& tokens, const char* at);
+  const char* ReadHyphenName(TokenList& tokens, const char* at);
+  const char* ReadNumber(TokenList& tokens, const char* at);
+  const char* ReadLiteral(TokenList& tokens, const char* at);
+  const char* ReadKeyword(TokenList& tokens, const char* at);
+  const char* ReadPair(TokenList& tokens, const char* at);
+  // To behind the next such mark or to the end of the text.
+  const char* Behind(std::string_view mark, const char* from) const noexcept;
 
   const String& text_;
-  std::string_view bytes_;
+  const char* const begin_;
+  const char* const end_;  // a zero byte, as may stand inside the text too
+  const char* at_;
   IxoMepStringAddressMap& names_ = IxoMepStringAddressMap::Global();
-  std::size_t position_ = 0;
-  std::size_t start_ = 0;
   LongWork work_;
   IxoMepErrorEnum code_ = IMEPERR_NONE;
   String error_text_;
 };
-
-// Appends the tokens of the whole text. On failure returns the code, error_text is set and
-// error_offset is where the offending token starts; tokens holds those before it.
-IxoMepErrorEnum Scan(const String& text, TokenList& tokens, String& error_text,
-                     std::int32_t& error_offset);
 
 }  // namespace ixomep

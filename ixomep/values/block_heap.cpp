@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "ixomep/host/host.h"
 
@@ -12,15 +13,28 @@ namespace {
 
 std::align_val_t Alignment(std::size_t bytes) noexcept { return std::align_val_t{bytes}; }
 
+void FreeRegion(void* memory, std::size_t slabs) noexcept {
+  ::operator delete(memory, Alignment(slabs * BlockHeap::kSlabBytes));
+}
+
 }  // namespace
 
-// A region is as large as all before it together and aligned to its size.
+// A region is as large as all before it together and aligned to its size, unless an idle one is at
+// hand where it may be a large one.
 BlockHeap::Region& BlockHeap::AddRegion() {
   std::uint32_t slabs = 1;
   while (slabs < kMaxRegionSlabs && slabs * 2 <= slabs_) slabs *= 2;
-  const std::size_t bytes = slabs * kSlabBytes;
-  void* const memory = ::operator new(bytes, Alignment(bytes));
-  if (slabs == kMaxRegionSlabs) IxoHost::Current().PrepareMemory(memory, bytes);
+  void* memory = nullptr;
+  if (idle_ != nullptr && slabs > 1) {
+    slabs = kMaxRegionSlabs;
+    memory = idle_;
+    idle_ = idle_->next;
+    --idle_regions_;
+  } else {
+    const std::size_t bytes = slabs * kSlabBytes;
+    memory = ::operator new(bytes, Alignment(bytes));
+    if (slabs == kMaxRegionSlabs) IxoHost::Current().PrepareMemory(memory, bytes);
+  }
   Slab* const first = new (memory) Slab{};
   first->own_region = {slabs, 0, 0};
   ++regions_;
@@ -56,8 +70,18 @@ void BlockHeap::Release(Region& region) noexcept {
   if (newest_ == &region) newest_ = nullptr;
   --regions_;
   slabs_ -= region.slabs;
-  const std::size_t bytes = region.slabs * kSlabBytes;
-  ::operator delete(static_cast<void*>(memory), Alignment(bytes));
+  if (region.slabs == kMaxRegionSlabs && idle_regions_ < kMaxIdleRegions) {
+    Slab* const first = FirstSlab(region);
+    first->next = std::exchange(idle_, first);
+    ++idle_regions_;
+    return;
+  }
+  FreeRegion(memory, region.slabs);
+}
+
+void BlockHeap::ReleaseIdle() noexcept {
+  while (idle_ != nullptr) FreeRegion(std::exchange(idle_, idle_->next), kMaxRegionSlabs);
+  idle_regions_ = 0;
 }
 
 }  // namespace ixomep

@@ -3,9 +3,11 @@
 // they lie side by side in the order in which they are made. A slab is 64 KB at a multiple of
 // 64 KB, so that a block's address tells its slab. Slabs come in regions from the general heap:
 // the more are in use the larger, up to 2 MB, and a region goes back as soon as its last block is
-// given back. Process-wide use and unguarded: one thread at a time.
+// given back; but for a few of the largest, which the next large tree gets without the system
+// clearing new memory. Process-wide use and unguarded: one thread at a time.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -16,26 +18,41 @@ class BlockHeap {
  public:
   static constexpr std::size_t kSlabBytes = 64 * 1024;
   static constexpr std::uint32_t kMaxRegionSlabs = 32;
+  static constexpr std::size_t kMaxIdleRegions = 8;
 
   // Blocks of that size, rounded up to whole words. Nothing is allocated before the first Take.
   // Regions still in use when the heap ends are left to whoever holds blocks in them.
   explicit constexpr BlockHeap(std::size_t block_bytes) noexcept
       : block_bytes_(static_cast<std::uint32_t>((block_bytes + 7) / 8 * 8)),
         capacity_(static_cast<std::uint32_t>((kSlabBytes - sizeof(Slab)) / block_bytes_)) {}
+  ~BlockHeap() { ReleaseIdle(); }
   BlockHeap(const BlockHeap&) = delete;
   BlockHeap& operator=(const BlockHeap&) = delete;
 
+  // Blocks that lie side by side.
+  struct Run {
+    unsigned char* first;
+    std::uint32_t count;
+  };
+
   // Throws std::bad_alloc.
-  void* Take() {
+  void* Take() { return TakeRun(1).first; }
+  // One block at least and `most` at most, each of them given back alone. Throws std::bad_alloc.
+  Run TakeRun(std::uint32_t most) {
     Slab* const slab = roomy_ != nullptr ? roomy_ : AddSlab();
-    if (slab->used++ == 0) ++slab->region->used_slabs;
-    if (slab->used == capacity_) Unlink(*slab);
-    if (Block* const block = slab->given_back) {
-      slab->given_back = block->next;
-      return block;
+    if (slab->used == 0) ++slab->region->used_slabs;
+    Run run{reinterpret_cast<unsigned char*>(slab->given_back), 1};
+    if (run.first != nullptr) {
+      slab->given_back = slab->given_back->next;
+    } else {
+      const std::size_t offset = std::size_t{slab->carved} * block_bytes_;
+      run.first = &reinterpret_cast<unsigned char*>(slab + 1)[offset];
+      run.count = std::min(most, capacity_ - slab->carved);
+      slab->carved += run.count;
     }
-    const std::size_t offset = std::size_t{slab->carved++} * block_bytes_;
-    return &reinterpret_cast<unsigned char*>(slab + 1)[offset];
+    slab->used += run.count;
+    if (slab->used == capacity_) Unlink(*slab);
+    return run;
   }
 
   void Give(void* block) noexcept {
@@ -46,9 +63,12 @@ class BlockHeap {
   }
 
   std::size_t BlocksPerSlab() const noexcept { return capacity_; }
-  // What the heap holds of the general one: regions, and the slabs in them.
+  // What holds blocks that are in use: regions, and the slabs in them.
   std::size_t RegionCount() const noexcept { return regions_; }
   std::size_t SlabCount() const noexcept { return slabs_; }
+  // Regions of the largest size that hold none and are kept.
+  std::size_t IdleCount() const noexcept { return idle_regions_; }
+  void ReleaseIdle() noexcept;
 
  private:
   struct Block {
@@ -96,6 +116,8 @@ class BlockHeap {
   std::uint32_t capacity_;
   Slab* roomy_ = nullptr;     // the slabs that have room
   Region* newest_ = nullptr;  // the region that further slabs are begun in
+  Slab* idle_ = nullptr;      // the first slabs of idle regions
+  std::size_t idle_regions_ = 0;
   std::size_t regions_ = 0;
   std::size_t slabs_ = 0;
 };

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/host/sanitizer.h"
@@ -18,7 +19,9 @@ namespace ixomep {
 class SingleBlocks {
  public:
   explicit constexpr SingleBlocks(std::size_t block_bytes) noexcept : block_bytes_(block_bytes) {}
-  void* Take() { return ::operator new(block_bytes_); }
+  BlockHeap::Run TakeRun(std::uint32_t) {
+    return {static_cast<unsigned char*>(::operator new(block_bytes_)), 1};
+  }
   void Give(void* block) noexcept { ::operator delete(block); }
 
  private:
@@ -33,11 +36,13 @@ class FreeList {
   static constexpr std::int32_t kLowMark = 15000;
 
   static void* Take() {
-    if (head_ == nullptr) return TakeNew();
-    Link* const block = head_;
-    head_ = block->next;
-    --count_;
-    return block;
+    if (Link* const block = head_) {
+      head_ = block->next;
+      --count_;
+      return block;
+    }
+    if (fresh_ == fresh_end_) return TakeNew();
+    return std::exchange(fresh_, fresh_ + kStride);
   }
 
   static void Give(void* block) noexcept {
@@ -47,15 +52,17 @@ class FreeList {
 
   static std::int32_t Count() noexcept { return count_; }
 
-  // Returns blocks to where they came from until `keep` are left.
+  // Returns blocks to where they came from until `keep` are left; with 0 also those that were got
+  // ahead of need.
   static void TrimTo(std::int32_t keep) noexcept {
     while (count_ > keep) {
       Link* const block = head_;
       head_ = block->next;
       --count_;
-      source_.Give(block);
-      MemoryBudget::Give(kBlockSize);
+      Return(block);
     }
+    if (keep != 0) return;
+    while (fresh_ != fresh_end_) Return(std::exchange(fresh_, fresh_ + kStride));
   }
 
  private:
@@ -68,20 +75,36 @@ class FreeList {
   };
   static_assert(kBlockSize >= sizeof(Link));
 
+  static constexpr std::size_t kStride = (kBlockSize + 7) / 8 * 8;
+  // How many blocks are got at a time, as long as the memory for so many may be taken.
+  static constexpr std::uint32_t kRun = kStride < 512 ? 1024 / kStride : 1;
+
   static void* TakeNew() {
     static const Emptier emptier;
-    MemoryBudget::Take(kBlockSize);
+    const std::uint32_t most = MemoryBudget::MayTake(kRun * kBlockSize) ? kRun : 1;
+    MemoryBudget::Take(most * kBlockSize);
+    BlockHeap::Run run{nullptr, 0};
     try {
-      return source_.Take();
+      run = source_.TakeRun(most);
     } catch (...) {
-      MemoryBudget::Give(kBlockSize);
+      MemoryBudget::Give(most * kBlockSize);
       throw;
     }
+    MemoryBudget::Give((most - run.count) * kBlockSize);
+    fresh_ = run.first + kStride;
+    fresh_end_ = run.first + run.count * kStride;
+    return run.first;
+  }
+  static void Return(void* block) noexcept {
+    source_.Give(block);
+    MemoryBudget::Give(kBlockSize);
   }
 
   constinit inline static BlockSource source_{kBlockSize};
   inline static Link* head_ = nullptr;
   inline static std::int32_t count_ = 0;
+  inline static unsigned char* fresh_ = nullptr;  // blocks that were got and never used
+  inline static unsigned char* fresh_end_ = nullptr;
 };
 
 }  // namespace ixomep

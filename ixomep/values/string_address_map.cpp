@@ -1,23 +1,156 @@
 // Interning. Every name is copied into a chunk of memory that never moves and found again through a
-// hash table, in which a name stands within a few places of where its hash points. Texts may be
-// written to have equal hashes: what finds no place there goes into an ordered set, so that no
-// name is slow to find. The order of the names shows nowhere.
+// hash table, in which a name stands within a few places of where its hash points. A place is a
+// quarter of a cache line and holds all of a name of up to eight bytes: one access finds such a
+// name. Texts may be written to have equal hashes: what finds no place there goes into an ordered
+// set, so that no name is slow to find. The order of the names shows nowhere.
 #include "ixomep/values/string_address_map.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <set>
 #include <vector>
 
+#include "ixomep/host/large_blocks.h"
+
 using Map = IxoMepStringAddressMap;
+
+namespace {
+
+constexpr std::uint64_t kFactor = 0x9e3779b97f4a7c15u;
+
+// What a name is compared by: all bytes of a name of up to eight, else a hash of them.
+struct Key {
+  std::uint64_t word;
+  std::uint32_t length;
+};
+
+template <class Word>
+Word Load(std::string_view bytes, std::size_t from = 0) noexcept {
+  Word word;
+  std::memcpy(&word, bytes.data() + from, sizeof word);
+  return word;
+}
+
+// One to eight bytes; different for different bytes of one length.
+std::uint64_t WordOf(std::string_view bytes) noexcept {
+  const std::size_t size = bytes.size();
+  if (size >= 4) {
+    return std::uint64_t{Load<std::uint32_t>(bytes)} << 32 | Load<std::uint32_t>(bytes, size - 4);
+  }
+  const auto at = [&](std::size_t i) {
+    return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i]));
+  };
+  return at(0) << 16 | at(size / 2) << 8 | at(size - 1);
+}
+
+Key KeyOf(std::string_view name) noexcept {
+  const auto length = static_cast<std::uint32_t>(name.size());
+  if (length <= sizeof(std::uint64_t)) return {WordOf(name), length};
+  const auto mixed = [](std::uint64_t hash, std::uint64_t word) {
+    hash = (hash ^ word) * kFactor;
+    return (hash ^ hash >> 29) * kFactor;
+  };
+  std::uint64_t hash = length;
+  const auto last = Load<std::uint64_t>(name, name.size() - 8);
+  for (; name.size() > 8; name.remove_prefix(8)) hash = mixed(hash, Load<std::uint64_t>(name));
+  return {mixed(hash, last), length};
+}
+
+// A place of the table.
+struct Slot {
+  std::uint64_t word;
+  std::uint32_t length;  // 0: free
+  std::uint32_t text;    // in Texts
+};
+
+// A power of two of places, all of them free at first.
+class Slots {
+ public:
+  // Throws std::bad_alloc.
+  explicit Slots(std::size_t count) : mask_(count - 1), shift_(64 - std::countr_zero(count)) {
+    const std::size_t bytes = count * sizeof(Slot);
+    if (bytes < kLarge) {
+      first_.reset(static_cast<Slot*>(std::calloc(count, sizeof(Slot))));
+    } else {
+      first_.reset(static_cast<Slot*>(ixomep::LargeBlocks::New(bytes)));
+      if (first_) std::memset(static_cast<void*>(first_.get()), 0, bytes);
+    }
+    if (!first_) throw std::bad_alloc();
+  }
+  std::size_t Count() const noexcept { return mask_ + 1; }
+  const Slot& operator[](std::size_t i) const noexcept { return first_.get()[i]; }
+  // The place where the key's hash points, and those that follow it.
+  Slot& From(std::uint64_t word, std::uint32_t length, std::size_t step) const noexcept {
+    std::uint64_t hash = (word ^ length * kFactor) * kFactor;
+    hash = (hash ^ hash >> 32) * kFactor;
+    return first_.get()[((hash >> shift_) + step) & mask_];
+  }
+
+ private:
+  static constexpr std::size_t kLarge = std::size_t{2} << 20;  // from here on of large pages
+  struct Free {
+    void operator()(Slot* slots) const noexcept { std::free(slots); }
+  };
+  std::unique_ptr<Slot, Free> first_;
+  std::size_t mask_;
+  int shift_;
+};
+
+// The copies of the names, each beginning at a word of a chunk: the word's number tells where.
+class Texts {
+ public:
+  const char* At(std::uint32_t number) const noexcept {
+    return chunks_[number >> kChunkBits].get() + (number & (kChunkWords - 1)) * 8;
+  }
+
+  // Throws std::bad_alloc.
+  std::uint32_t Add(std::string_view name) {
+    const std::size_t words = (name.size() + 8) / 8;
+    std::uint32_t number = next_;
+    if (words > kChunkWords / 4) {
+      number = AddChunk(words);
+    } else {
+      if (words > left_) {
+        next_ = number = AddChunk(kChunkWords);
+        left_ = kChunkWords;
+      }
+      next_ += static_cast<std::uint32_t>(words);
+      left_ -= words;
+    }
+    char* const text = chunks_[number >> kChunkBits].get() + (number & (kChunkWords - 1)) * 8;
+    std::memcpy(text, name.data(), name.size());
+    text[name.size()] = '\0';
+    return number;
+  }
+
+ private:
+  static constexpr int kChunkBits = 13;
+  static constexpr std::size_t kChunkWords = std::size_t{1} << kChunkBits;
+  static constexpr std::size_t kMaxChunks = std::size_t{1} << (32 - kChunkBits);
+
+  std::uint32_t AddChunk(std::size_t words) {
+    if (chunks_.size() == kMaxChunks) throw std::bad_alloc();
+    chunks_.push_back(std::unique_ptr<char[]>(new char[words * 8]));
+    return static_cast<std::uint32_t>((chunks_.size() - 1) << kChunkBits);
+  }
+
+  std::vector<std::unique_ptr<char[]>> chunks_;
+  std::uint32_t next_ = 0;
+  std::size_t left_ = 0;  // words of its chunk
+};
+
+}  // namespace
 
 struct IxoMepStringAddressMap::Names {
   Names() : slots_(kFirstSlots) {}
   Names(const Names& other) : Names() {
-    for (const Slot& slot : other.slots_) {
-      if (slot.text != nullptr) Intern(slot.View());
+    for (std::size_t i = 0; i < other.slots_.Count(); ++i) {
+      const Slot& slot = other.slots_[i];
+      if (slot.length != 0) Intern({other.texts_.At(slot.text), slot.length});
     }
     for (const std::string_view name : other.crowded_) Intern(name);
   }
@@ -26,9 +159,12 @@ struct IxoMepStringAddressMap::Names {
   const char* Intern(std::string_view name) {
     const Key key = KeyOf(name);
     for (std::size_t i = 0; i < kReach; ++i) {
-      const Slot& slot = SlotAt(slots_, key.hash, i);
-      if (slot.text == nullptr) break;
-      if (slot.Holds(key, name)) return slot.text;
+      const Slot& slot = slots_.From(key.word, key.length, i);
+      if (slot.word == key.word && slot.length == key.length) {
+        const char* const text = texts_.At(slot.text);
+        if (key.length <= 8 || std::memcmp(text, name.data(), name.size()) == 0) return text;
+      }
+      if (slot.length == 0) break;
     }
     if (!crowded_.empty()) {
       const auto found = crowded_.find(name);
@@ -40,75 +176,21 @@ struct IxoMepStringAddressMap::Names {
  private:
   static constexpr std::size_t kFirstSlots = 512;
   static constexpr std::size_t kReach = 16;  // places from where the hash points
-  static constexpr std::size_t kChunkBytes = 16 * 1024;
-
-  // What a name is compared by: all of a name of up to eight bytes is in its last word.
-  struct Key {
-    std::uint64_t word;
-    std::uint32_t hash;
-    std::uint32_t length;
-  };
-
-  static Key KeyOf(std::string_view name) noexcept {
-    constexpr std::uint64_t kFactor = 0x9e3779b97f4a7c15u;
-    const auto mixed = [](std::uint64_t hash, std::uint64_t word) {
-      hash = (hash ^ word) * kFactor;
-      return (hash ^ hash >> 29) * kFactor;
-    };
-    const auto length = static_cast<std::uint32_t>(name.size());
-    std::uint64_t hash = length * kFactor;
-    for (; name.size() > 8; name.remove_prefix(8)) hash = mixed(hash, Load<std::uint64_t>(name));
-    const std::uint64_t word = LastWord(name);
-    hash = mixed(hash, word);
-    return {word, static_cast<std::uint32_t>(hash ^ hash >> 32), length};
-  }
-  template <class Word>
-  static Word Load(std::string_view bytes, std::size_t from = 0) noexcept {
-    Word word;
-    std::memcpy(&word, bytes.data() + from, sizeof word);
-    return word;
-  }
-  // One to eight bytes; different for different bytes of one length.
-  static std::uint64_t LastWord(std::string_view bytes) noexcept {
-    const std::size_t size = bytes.size();
-    if (size == 8) return Load<std::uint64_t>(bytes);
-    if (size >= 4) {
-      return std::uint64_t{Load<std::uint32_t>(bytes)} << 32 | Load<std::uint32_t>(bytes, size - 4);
-    }
-    const auto at = [&](std::size_t i) {
-      return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i]));
-    };
-    return at(0) << 16 | at(size / 2) << 8 | at(size - 1);
-  }
-
-  struct Slot {
-    const char* text = nullptr;
-    Key key = {};
-    std::string_view View() const { return {text, key.length}; }
-    bool Holds(const Key& other, std::string_view name) const noexcept {
-      return key.word == other.word && key.length == other.length &&
-             (key.length <= 8 || (key.hash == other.hash && View() == name));
-    }
-  };
-  using Slots = std::vector<Slot>;  // a power of two of them
-
-  static Slot& SlotAt(Slots& table, std::uint32_t hash, std::size_t step) {
-    return table[(hash + step) & (table.size() - 1)];
-  }
 
   // The name is new. A failed allocation leaves all names as they were.
   const char* Add(std::string_view name, const Key& key) {
-    if (count_ * 2 >= slots_.size()) Grow();
-    const Slot added{NewText(name), key};
-    if (!Place(slots_, added)) crowded_.insert(added.View());
+    if (count_ * 2 >= slots_.Count()) Grow();
+    const Slot added{key.word, key.length, texts_.Add(name)};
+    const char* const text = texts_.At(added.text);
+    if (!Place(slots_, added)) crowded_.insert({text, name.size()});
     ++count_;
-    return added.text;
+    return text;
   }
 
   static bool Place(Slots& table, const Slot& added) noexcept {
     for (std::size_t i = 0; i < kReach; ++i) {
-      Slot& slot = SlotAt(table, added.key.hash, i);
-      if (slot.text != nullptr) continue;
+      Slot& slot = table.From(added.word, added.length, i);
+      if (slot.length != 0) continue;
       slot = added;
       return true;
     }
@@ -117,39 +199,20 @@ struct IxoMepStringAddressMap::Names {
 
   // Twice the places. Names of the ordered set stay there.
   void Grow() {
-    Slots larger(slots_.size() * 2);
-    for (const Slot& slot : slots_) {
-      if (slot.text != nullptr && !Place(larger, slot)) crowded_.insert(slot.View());
-    }
-    slots_.swap(larger);
-  }
-
-  char* NewText(std::string_view name) {
-    const std::size_t bytes = name.size() + 1;
-    char* text = free_;
-    if (bytes > kChunkBytes / 4) {
-      chunks_.push_back(std::unique_ptr<char[]>(new char[bytes]));
-      text = chunks_.back().get();
-    } else {
-      if (bytes > left_) {
-        chunks_.push_back(std::unique_ptr<char[]>(new char[kChunkBytes]));
-        free_ = text = chunks_.back().get();
-        left_ = kChunkBytes;
+    Slots larger(slots_.Count() * 2);
+    for (std::size_t i = 0; i < slots_.Count(); ++i) {
+      const Slot& slot = slots_[i];
+      if (slot.length != 0 && !Place(larger, slot)) {
+        crowded_.insert({texts_.At(slot.text), slot.length});
       }
-      free_ += bytes;
-      left_ -= bytes;
     }
-    std::memcpy(text, name.data(), name.size());
-    text[name.size()] = '\0';
-    return text;
+    std::swap(slots_, larger);
   }
 
   Slots slots_;  // at most half of them taken
   std::size_t count_ = 0;
   std::set<std::string_view> crowded_;
-  std::vector<std::unique_ptr<char[]>> chunks_;
-  char* free_ = nullptr;  // in the last chunk
-  std::size_t left_ = 0;
+  Texts texts_;
 };
 
 IxoMepStringAddressMap::IxoMepStringAddressMap() = default;

@@ -32,11 +32,16 @@ struct Scanned {
 
 Scanned Scan(const String& text) {
   Scanned result;
-  ixomep::TokenList list(text.Len());
-  result.code = ixomep::Scan(text, list, result.text, result.error_offset);
+  ixomep::Scanner scanner(text);
+  ixomep::TokenList list(text.Len(), scanner);
   while (!list.IsEmpty()) {
     result.offsets.push_back(list.FrontOffset());
     result.tokens.push_back(list.TakeFront());
+  }
+  result.code = scanner.Code();
+  if (result.code != IMEPERR_NONE) {
+    result.text = scanner.ErrorText();
+    result.error_offset = scanner.Offset();
   }
   return result;
 }

@@ -106,6 +106,46 @@ TEST(BlockHeap, A_region_goes_back_with_its_last_block_whatever_else_is_in_use) 
   EXPECT_EQ(heap.RegionCount(), 0u);
 }
 
+TEST(BlockHeap, A_few_of_the_largest_regions_are_kept_and_used_again) {
+  BlockHeap heap(64);
+  const std::size_t per_region = heap.BlocksPerSlab() * BlockHeap::kMaxRegionSlabs;
+  const std::vector<void*> blocks = Taken(heap, per_region * (BlockHeap::kMaxIdleRegions + 5));
+  EXPECT_EQ(heap.IdleCount(), 0u);
+  GiveAll(heap, blocks);
+  EXPECT_EQ(heap.RegionCount(), 0u);
+  EXPECT_EQ(heap.IdleCount(), BlockHeap::kMaxIdleRegions);
+  const std::vector<void*> again = Taken(heap, per_region * 3);
+  EXPECT_EQ(heap.IdleCount(), BlockHeap::kMaxIdleRegions - 3);
+  GiveAll(heap, again);
+  EXPECT_EQ(heap.IdleCount(), BlockHeap::kMaxIdleRegions);
+  heap.ReleaseIdle();
+  EXPECT_EQ(heap.IdleCount(), 0u);
+}
+
+TEST(BlockHeap, A_run_is_blocks_side_by_side_that_are_given_back_one_by_one) {
+  BlockHeap heap(32);
+  const BlockHeap::Run run = heap.TakeRun(10);
+  ASSERT_EQ(run.count, 10u);
+  EXPECT_EQ(heap.Take(), run.first + 320);
+  for (std::uint32_t i = 0; i < 10; ++i) heap.Give(run.first + i * 32);
+  EXPECT_EQ(heap.TakeRun(10).count, 1u);  // one that was given back
+  heap.Give(run.first + 9 * 32);
+  heap.Give(run.first + 320);
+  EXPECT_EQ(heap.RegionCount(), 0u);
+}
+
+TEST(BlockHeap, A_run_ends_with_its_slab) {
+  BlockHeap heap(32);
+  const auto per_slab = static_cast<std::uint32_t>(heap.BlocksPerSlab());
+  std::vector<void*> blocks = Taken(heap, per_slab - 3);
+  const BlockHeap::Run run = heap.TakeRun(10);
+  EXPECT_EQ(run.count, 3u);
+  EXPECT_EQ(heap.SlabCount(), 1u);
+  for (std::uint32_t i = 0; i < run.count; ++i) blocks.push_back(run.first + i * 32);
+  GiveAll(heap, blocks);
+  EXPECT_EQ(heap.SlabCount(), 0u);
+}
+
 TEST(BlockHeap, Any_order_of_taking_and_giving_keeps_blocks_apart_and_returns_everything) {
   BlockHeap heap(16);
   std::mt19937 random(7);
