@@ -50,32 +50,36 @@ constexpr std::size_t PlaceOf(std::string_view word) {
   return (letter(0) + letter(1) * 5 + letter(word.size() - 1) * 10 + word.size()) % kKeywordPlaces;
 }
 
-using Keywords = std::array<const OperatorRow*, kKeywordPlaces>;
+// The rows of the keywords by place; row 0, which is none, at places of no keyword.
+using Keywords = std::array<std::uint8_t, kKeywordPlaces>;
 
 constexpr Keywords MakeKeywords() {
   Keywords keywords{};
-  for (const OperatorRow& row : kOperators) {
-    if (row.is_word) keywords[PlaceOf(row.spelling)] = &row;
+  for (std::size_t i = 0; i < kOperators.size(); ++i) {
+    const OperatorRow& row = kOperators[i];
+    if (row.is_word) keywords[PlaceOf(row.spelling)] = static_cast<std::uint8_t>(i);
   }
   return keywords;
 }
 
 constexpr Keywords kKeywords = MakeKeywords();
 
-constexpr const OperatorRow* FindKeyword(std::string_view word) {
-  if (word.size() < 2) return nullptr;
-  const OperatorRow* const row = kKeywords[PlaceOf(word)];
-  return row != nullptr && row->spelling == word ? row : nullptr;
-}
-
 static_assert(
     [] {
-      for (const OperatorRow& row : kOperators) {
-        if (row.is_word && FindKeyword(row.spelling) != &row) return false;
+      for (std::size_t i = 0; i < kOperators.size(); ++i) {
+        const OperatorRow& row = kOperators[i];
+        if (row.is_word && kKeywords[PlaceOf(row.spelling)] != i) return false;
       }
-      return true;
+      return !kOperators[0].is_word;
     }(),
-    "two keywords have one place");
+    "every keyword has a place of its own");
+
+// Of upper-case letters; null when it is no keyword.
+const OperatorRow* FindKeyword(std::string_view word) {
+  if (word.size() < 2) return nullptr;
+  const OperatorRow& row = kOperators[kKeywords[PlaceOf(word)]];
+  return row.spelling == word ? &row : nullptr;
+}
 
 // What starts with a byte. Pair: a symbol that may have a second byte.
 enum class Start : std::uint8_t {
@@ -122,6 +126,16 @@ constexpr std::array<Start, 256> kStarts = MakeStarts();
 bool Scanner::ReadMore(TokenList& tokens) {
   if (code_ != IMEPERR_NONE || at_ == end_) return false;
   work_.Part();
+  announces_ = names_.IsLarge();
+  ReadBatch(tokens);
+  for (const AnnouncedName* name = announced_.data(); name != announced_end_; ++name) {
+    *name->place = names_.Intern({name->begin, name->length});
+  }
+  announced_end_ = announced_.data();
+  return true;
+}
+
+void Scanner::ReadBatch(TokenList& tokens) {
   const char* at = at_;
   for (std::size_t wanted = TokenList::kBatch; wanted > 0;) {
     const char* behind = nullptr;
@@ -172,7 +186,6 @@ bool Scanner::ReadMore(TokenList& tokens) {
     --wanted;
   }
   at_ = at;
-  return true;
 }
 
 const char* Scanner::Behind(std::string_view mark, const char* from) const noexcept {
@@ -202,7 +215,13 @@ const char* Scanner::ReadKeyword(TokenList& tokens, const char* at) {
 inline const char* Scanner::ReadName(TokenList& tokens, const char* at) {
   const char* end = at + 1;
   while (CharClass::IsNameByte(*end)) ++end;
-  tokens.AppendName(names_.Intern({at, static_cast<std::size_t>(end - at)}), OffsetOf(at));
+  const std::string_view name(at, static_cast<std::size_t>(end - at));
+  if (announces_) {
+    names_.Announce(name);
+    *announced_end_++ = {at, name.size(), &tokens.AppendName(nullptr, OffsetOf(at))};
+  } else {
+    tokens.AppendName(names_.Intern(name), OffsetOf(at));
+  }
   return end;
 }
 

@@ -2,6 +2,7 @@
 // asks for tokens as it goes, so that a long text is never a long list.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -35,6 +36,7 @@ class Scanner final : public TokenSource {
   std::int32_t OffsetOf(const char* place) const noexcept {
     return static_cast<std::int32_t>(place - begin_);
   }
+  void ReadBatch(TokenList& tokens);
   const char* Fail(IxoMepErrorEnum code, std::initializer_list<Fill> fills = {});
 
   // Each appends the token that starts at a place and gives the place behind it; null after a
@@ -48,11 +50,22 @@ class Scanner final : public TokenSource {
   // To behind the next such mark or to the end of the text.
   const char* Behind(std::string_view mark, const char* from) const noexcept;
 
+  // A name that is interned when the batch has been read: the memory of all of them is then waited
+  // for at one time.
+  struct AnnouncedName {
+    const char* begin;
+    std::size_t length;
+    const char** place;
+  };
+
   const String& text_;
   const char* const begin_;
   const char* const end_;  // a zero byte, as may stand inside the text too
   const char* at_;
   IxoMepStringAddressMap& names_ = IxoMepStringAddressMap::Global();
+  bool announces_ = false;
+  std::array<AnnouncedName, TokenList::kBatch> announced_;
+  AnnouncedName* announced_end_ = announced_.data();
   LongWork work_;
   IxoMepErrorEnum code_ = IMEPERR_NONE;
   String error_text_;

@@ -38,9 +38,11 @@ class TokenList {
   TokenList& operator=(const TokenList&) = delete;
   ~TokenList() { Clear(); }
 
-  // For the source. name: an interned address.
-  void AppendName(const char* name, std::int32_t offset) {
-    Append(offset, IxoMepExprNodeType::Variable).name = name;
+  // For the source. name: an interned address, which may be given later, before the batch ends.
+  const char*& AppendName(const char* name, std::int32_t offset) noexcept {
+    Token& token = Append(offset, IxoMepExprNodeType::Variable);
+    token.name = name;
+    return token.name;
   }
   void AppendConstant(ValuePtr value, std::int32_t offset) noexcept {
     Append(offset, IxoMepExprNodeType::Constant).value = value.release();

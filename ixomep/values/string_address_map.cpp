@@ -10,8 +10,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <new>
-#include <set>
 #include <vector>
 
 #include "ixomep/host/large_blocks.h"
@@ -65,6 +65,7 @@ struct Slot {
   std::uint64_t word;
   std::uint32_t length;  // 0: free
   std::uint32_t text;    // in Texts
+  Key KeyOfName() const noexcept { return {word, length}; }
 };
 
 // A power of two of places, all of them free at first.
@@ -84,14 +85,26 @@ class Slots {
   std::size_t Count() const noexcept { return mask_ + 1; }
   const Slot& operator[](std::size_t i) const noexcept { return first_.get()[i]; }
   // The place where the key's hash points, and those that follow it.
-  Slot& From(std::uint64_t word, std::uint32_t length, std::size_t step) const noexcept {
-    std::uint64_t hash = (word ^ length * kFactor) * kFactor;
-    hash = (hash ^ hash >> 32) * kFactor;
-    return first_.get()[((hash >> shift_) + step) & mask_];
+  Slot& From(const Key& key, std::size_t step) const noexcept {
+    return first_.get()[(PlaceOf(key) + step) & mask_];
+  }
+  // Asks for the memory of the key's place.
+  void Announce(const Key& key) const noexcept {
+#if defined(__GNUC__)
+    __builtin_prefetch(&From(key, 0), 1);
+#else
+    static_cast<void>(key);
+#endif
   }
 
  private:
   static constexpr std::size_t kLarge = std::size_t{2} << 20;  // from here on of large pages
+  std::size_t PlaceOf(const Key& key) const noexcept {
+    std::uint64_t hash = (key.word ^ key.length * kFactor) * kFactor;
+    hash = (hash ^ hash >> 32) * kFactor;
+    return hash >> shift_;
+  }
+
   struct Free {
     void operator()(Slot* slots) const noexcept { std::free(slots); }
   };
@@ -152,66 +165,86 @@ struct IxoMepStringAddressMap::Names {
       const Slot& slot = other.slots_[i];
       if (slot.length != 0) Intern({other.texts_.At(slot.text), slot.length});
     }
-    for (const std::string_view name : other.crowded_) Intern(name);
+    for (const auto& [name, number] : other.crowded_) Intern(name);
   }
   Names& operator=(const Names&) = delete;
 
   const char* Intern(std::string_view name) {
     const Key key = KeyOf(name);
     for (std::size_t i = 0; i < kReach; ++i) {
-      const Slot& slot = slots_.From(key.word, key.length, i);
+      Slot& slot = slots_.From(key, i);
+      if (slot.length == 0) return Add(name, key, slot);
       if (slot.word == key.word && slot.length == key.length) {
         const char* const text = texts_.At(slot.text);
         if (key.length <= 8 || std::memcmp(text, name.data(), name.size()) == 0) return text;
       }
-      if (slot.length == 0) break;
     }
-    if (!crowded_.empty()) {
-      const auto found = crowded_.find(name);
-      if (found != crowded_.end()) return found->data();
-    }
-    return Add(name, key);
+    const auto found = crowded_.find(name);
+    return found != crowded_.end() ? found->first.data() : AddCrowded(name);
   }
 
+  bool IsLarge() const noexcept { return slots_.Count() >= kLargeSlots; }
+  void Announce(std::string_view name) const noexcept { slots_.Announce(KeyOf(name)); }
+
  private:
+  using Crowded = std::map<std::string_view, std::uint32_t>;  // the numbers of the texts
+
   static constexpr std::size_t kFirstSlots = 512;
+  static constexpr std::size_t kLargeSlots = 32768;
   static constexpr std::size_t kReach = 16;  // places from where the hash points
 
-  // The name is new. A failed allocation leaves all names as they were.
-  const char* Add(std::string_view name, const Key& key) {
-    if (count_ * 2 >= slots_.Count()) Grow();
-    const Slot added{key.word, key.length, texts_.Add(name)};
-    const char* const text = texts_.At(added.text);
-    if (!Place(slots_, added)) crowded_.insert({text, name.size()});
+  // The name is new and belongs into the free slot. A failed allocation leaves all names as they
+  // were.
+  const char* Add(std::string_view name, const Key& key, Slot& slot) {
+    if (count_ * 2 >= slots_.Count()) {
+      Grow();
+      return Intern(name);
+    }
+    const std::uint32_t number = texts_.Add(name);
+    slot = {key.word, key.length, number};
     ++count_;
+    return texts_.At(number);
+  }
+
+  // The name is new and all its places are taken.
+  const char* AddCrowded(std::string_view name) {
+    const std::uint32_t number = texts_.Add(name);
+    const char* const text = texts_.At(number);
+    crowded_.emplace(std::string_view(text, name.size()), number);
     return text;
   }
 
-  static bool Place(Slots& table, const Slot& added) noexcept {
-    for (std::size_t i = 0; i < kReach; ++i) {
-      Slot& slot = table.From(added.word, added.length, i);
-      if (slot.length != 0) continue;
-      slot = added;
-      return true;
-    }
-    return false;
-  }
-
-  // Twice the places. Names of the ordered set stay there.
+  // Twice the places. A name of the ordered set gets one if it can: whoever meets a free place
+  // knows that the set does not have the name.
   void Grow() {
     Slots larger(slots_.Count() * 2);
-    for (std::size_t i = 0; i < slots_.Count(); ++i) {
-      const Slot& slot = slots_[i];
-      if (slot.length != 0 && !Place(larger, slot)) {
-        crowded_.insert({texts_.At(slot.text), slot.length});
+    Crowded crowded;
+    std::size_t count = 0;
+    const auto place = [&](const Slot& added) {
+      for (std::size_t i = 0; i < kReach; ++i) {
+        Slot& slot = larger.From(added.KeyOfName(), i);
+        if (slot.length != 0) continue;
+        slot = added;
+        ++count;
+        return;
       }
+      crowded.emplace(std::string_view(texts_.At(added.text), added.length), added.text);
+    };
+    for (std::size_t i = 0; i < slots_.Count(); ++i) {
+      if (slots_[i].length != 0) place(slots_[i]);
+    }
+    for (const auto& [name, number] : crowded_) {
+      const Key key = KeyOf(name);
+      place({key.word, key.length, number});
     }
     std::swap(slots_, larger);
+    std::swap(crowded_, crowded);
+    count_ = count;
   }
 
   Slots slots_;  // at most half of them taken
   std::size_t count_ = 0;
-  std::set<std::string_view> crowded_;
+  Crowded crowded_;
   Texts texts_;
 };
 
@@ -247,6 +280,14 @@ const char* IxoMepStringAddressMap::Intern(std::string_view name) {
   if (name.empty()) return nullptr;
   if (names_ == nullptr) names_ = std::make_unique<Names>();
   return names_->Intern(name);
+}
+
+bool IxoMepStringAddressMap::IsLarge() const noexcept {
+  return names_ != nullptr && names_->IsLarge();
+}
+
+void IxoMepStringAddressMap::Announce(std::string_view name) const noexcept {
+  if (names_ != nullptr) names_->Announce(name);
 }
 
 const char* const Map::IMEPSAM_COPY = GetAddress("copy");

@@ -36,6 +36,10 @@ class IXOMEP_API IxoMepStringAddressMap {
 
   // The interned address of a text in this map; null for the empty text.
   const char* Intern(std::string_view name);
+  // Are there so many names that memory is waited for in finding one? Then it pays to announce
+  // names, which are not empty, some time before they are interned.
+  bool IsLarge() const noexcept;
+  void Announce(std::string_view name) const noexcept;
 
  private:
   struct Names;

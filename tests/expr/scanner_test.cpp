@@ -265,6 +265,24 @@ TEST(Scanner, Names_hold_interned_addresses) {
   EXPECT_NE(scanned.tokens[2]->GetNameAddress(), scanned.tokens[0]->GetNameAddress());
 }
 
+TEST(Scanner, Names_hold_interned_addresses_also_when_there_are_very_many) {
+  std::string text;
+  for (int i = 0; i < 60000; ++i)
+    text += "many" + std::to_string(i) + (i % 3 == 0 ? " ?a-b " : " ");
+  for (int round = 0; round < 2; ++round) {  // the second one finds all of them
+    const Scanned scanned = Scan(String(text + "!"));
+    EXPECT_EQ(scanned.code, 17);
+    std::size_t at = 0;
+    for (int i = 0; i < 60000; ++i) {
+      ASSERT_EQ(scanned.tokens[at++]->GetNameAddress(), ixomep::Intern("many" + std::to_string(i)));
+      if (i % 3 == 0) {
+        ASSERT_EQ(scanned.tokens[at++]->GetNameAddress(), ixomep::Intern("a-b"));
+      }
+    }
+    EXPECT_EQ(at, scanned.tokens.size());
+  }
+}
+
 TEST(Scanner, A_literal_becomes_a_constant_that_owns_its_value) {
   const Scanned scanned = Scan("\"a\\tb\" 12 .5 $ff ");
   ASSERT_EQ(scanned.Kinds(),

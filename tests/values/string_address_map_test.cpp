@@ -97,6 +97,29 @@ TEST(StringAddressMap, Thousands_of_names_that_end_alike_differ) {
   }
 }
 
+TEST(StringAddressMap, Announcing_names_changes_nothing) {
+  Names map;
+  EXPECT_FALSE(map.IsLarge());
+  map.Announce("name");
+  for (int i = 0; i < 100000; ++i) {
+    const std::string name = "name" + std::to_string(i);
+    map.Announce(name);
+    ASSERT_EQ(map.Intern(name), name);
+  }
+  EXPECT_TRUE(map.IsLarge());
+}
+
+TEST(StringAddressMap, A_copy_has_all_names_at_addresses_of_its_own) {
+  Names map;
+  for (int i = 0; i < 3000; ++i) map.Intern("name number " + std::to_string(i));
+  Names copy(map);
+  for (int i = 0; i < 3000; ++i) {
+    const std::string name = "name number " + std::to_string(i);
+    ASSERT_EQ(copy.Intern(name), name);
+    ASSERT_NE(copy.Intern(name), map.Intern(name));
+  }
+}
+
 TEST(StringAddressMap, Very_long_names_have_memory_of_their_own) {
   Names map;
   const std::string long_name(1000000, 'n');
