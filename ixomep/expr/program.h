@@ -16,12 +16,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <typeinfo>
 #include <vector>
 
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/node.h"
 #include "ixomep/expr/scalar.h"
+#include "ixomep/expr/stack_guard.h"
 #include "ixomep/expr/value_set.h"
 #include "ixomep/values/value_rep.h"
 
@@ -108,7 +110,11 @@ class Run {
   String& Text() noexcept { return NearestFrame().text; }
   const IxoMepExpressionParser* Parser() const noexcept { return NearestFrame().parser; }
   // Does no host answer calls? Then they need not be handed to one. Found out when first asked.
-  bool HasPlainParser() noexcept { return calls_ == Calls::OfLambdas || LooksAtParser(); }
+  bool HasPlainParser() noexcept {
+    return HasHadPlainParser() || (calls_ == Calls::NotLooked && LooksAtParser());
+  }
+  // Was that found out, and the answer yes?
+  bool HasHadPlainParser() const noexcept { return calls_ == Calls::OfLambdas; }
   std::int32_t EntryDepth() const noexcept { return entry_depth_; }
   // The program of the lambda that was called; an empty one at a root.
   const Program& Lambda() const noexcept { return *lambda_; }
@@ -122,6 +128,10 @@ class Run {
   IxoMepValue* FindToAssign(const NameRef& ref) const noexcept {
     return arguments_ == nullptr && !is_strict_ ? lookup_->FindInline(ref.bucket, ref.name)
                                                 : nullptr;
+  }
+  // The level's own scope, when there is one and names may be assigned to, else null.
+  IxoMepValueSet* ScopeToAssign() const noexcept {
+    return arguments_ == nullptr && !is_strict_ ? frame_->scope : nullptr;
   }
   // The argument that stands for a parameter, null when the level has a scope.
   const IxoMepValue* Argument(std::int32_t index) const noexcept {
@@ -182,7 +192,8 @@ class Run {
   const IxoMepValue* FindArgument(const char* name) const noexcept;
   const IxoMepValue* FindFarther(const NameRef& ref) const noexcept;
 
-  static bool IsPlain(const IxoMepExpressionParser* parser) noexcept;
+  [[gnu::noinline]] static bool IsPlain(const IxoMepExpressionParser& parser) noexcept;
+  static const std::type_info* other_parser_;
 
   static IxoMepValueSet no_scope_;  // stays empty
   static const Program no_lambda_;
@@ -242,6 +253,8 @@ inline void RestoreDepth(const SpineDepth& depth, const Run& run) noexcept {
   IxoMepExprNode::m_nCallDepth = depth.count + (depth.above_entry ? run.EntryDepth() : 0);
 }
 
+class QuickTree;
+
 // The operations of one tree, or of one lambda's body. They refer to the nodes of the tree, which
 // must outlive them.
 class Program {
@@ -259,6 +272,7 @@ class Program {
   }
 
   const Op* root = nullptr;
+  QuickTree* quick = nullptr;  // of a quiet tree (program_quick.h)
   // The longest chain of evaluations without an end among them that begins with the program.
   std::int32_t spine = 0;
 
@@ -300,6 +314,7 @@ std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node);
 struct CachedProgram {
   const IxoMepExprNode* node = nullptr;
   const Program* program = nullptr;
+  QuickTree* quick = nullptr;  // the program's
 };
 inline constexpr std::size_t kCachedPrograms = 256;
 extern CachedProgram cached_programs[kCachedPrograms];

@@ -27,7 +27,8 @@ constexpr std::int32_t kLongestSpine = 251;
 
 // --- Calls --------------------------------------------------------------------------------------
 
-Reg CallHost(const CallOp& call, Run& run) {
+[[gnu::noinline]] Reg CallHost(const Op& op, Run& run) {
+  const auto& call = As<CallOp>(op);
   Frame& frame = run.RealFrame();
   const String text_before = frame.text;
   if (!LimitWatch::Step()) return FailLimit(run);
@@ -124,10 +125,8 @@ template <std::size_t kArguments, bool kIsStep>
 }
 
 template <std::size_t kArguments, bool kIsStep>
-Reg RunCall(const Op& op, Run& run) {
+[[gnu::noinline]] Reg RunCallOfLambda(const Op& op, Run& run) {
   const auto& call = As<CallOp>(op);
-  if (!run.HasPlainParser()) [[unlikely]]
-    return CallHost(call, run);
   const IxoMepValue* const callee = run.FindAgain(call.callee);
   if (callee == nullptr || callee->GetType() != Type::Lambda) [[unlikely]]
     return RunPlainly(call, run);
@@ -141,6 +140,18 @@ Reg RunCall(const Op& op, Run& run) {
   return CallLambda<kArguments>(call, *lambda, run);
 }
 
+// Several functions, so that none saves registers for the others.
+template <std::size_t kArguments, bool kIsStep>
+[[gnu::noinline]] Reg RunCallOfEither(const Op& op, Run& run) {
+  return run.HasPlainParser() ? RunCallOfLambda<kArguments, kIsStep>(op, run) : CallHost(op, run);
+}
+
+template <std::size_t kArguments, bool kIsStep>
+Reg RunCall(const Op& op, Run& run) {
+  return run.HasHadPlainParser() ? RunCallOfLambda<kArguments, kIsStep>(op, run)
+                                 : RunCallOfEither<kArguments, kIsStep>(op, run);
+}
+
 }  // namespace
 
 Op::Fn CallFunction(const CallOp& call) noexcept {
@@ -152,7 +163,7 @@ Op::Fn CallFunction(const CallOp& call) noexcept {
 }
 
 Reg RunOtherCall(const Op& op, Run& run) {
-  return run.HasPlainParser() ? RunPlainly(op, run) : CallHost(As<CallOp>(op), run);
+  return run.HasPlainParser() ? RunPlainly(op, run) : CallHost(op, run);
 }
 
 // --- Levels -------------------------------------------------------------------------------------
@@ -160,23 +171,22 @@ Reg RunOtherCall(const Op& op, Run& run) {
 // Before their construction they are as empty: no name is found, no lambda is called.
 IxoMepValueSet Run::no_scope_;
 const Program Run::no_lambda_;
+const std::type_info* Run::other_parser_ = nullptr;
 
 // Comparing types may compare their names: a class that is another one is remembered.
-bool Run::IsPlain(const IxoMepExpressionParser* parser) noexcept {
-  if (parser == nullptr) return true;
-  static const std::type_info* other = nullptr;
-  const std::type_info& type = typeid(*parser);
-  if (&type == other) return false;
+bool Run::IsPlain(const IxoMepExpressionParser& parser) noexcept {
+  const std::type_info& type = typeid(parser);
   if (type == typeid(IxoMepExpressionParser)) return true;
-  other = &type;
+  other_parser_ = &type;
   return false;
 }
 
 bool Run::LooksAtParser() noexcept {
-  if (calls_ == Calls::NotLooked) {
-    calls_ = IsPlain(Parser()) ? Calls::OfLambdas : Calls::OfTheHost;
-  }
-  return calls_ == Calls::OfLambdas;
+  const IxoMepExpressionParser* const parser = Parser();
+  const bool is_plain =
+      parser == nullptr || (&typeid(*parser) != other_parser_ && IsPlain(*parser));
+  calls_ = is_plain ? Calls::OfLambdas : Calls::OfTheHost;
+  return is_plain;
 }
 
 const IxoMepValue* Run::FindArgument(const char* name) const noexcept {

@@ -8,6 +8,7 @@
 #include "ixomep/expr/capture.h"
 #include "ixomep/expr/operator_table.h"
 #include "ixomep/expr/program_numbers.h"
+#include "ixomep/expr/program_passes.h"
 #include "ixomep/values/string_address_map.h"
 
 namespace ixomep {
@@ -330,6 +331,7 @@ class Compiler {
     op.condition = Value(*node.GetParam1(), depth.Inside());
     op.body = Effect(*node.GetParam2(), SpineDepth::AfterAnEnd());
     if (!MayTakeSteps(*node.GetParam1())) op.steps_ahead = StepsAhead(*node.GetParam2());
+    op.passes = MakePasses(node.GetParam1(), nullptr, *op.body, program_);
     if (node.GetParam3() != nullptr) op.last = Value(*node.GetParam3(), SpineDepth::AfterAnEnd());
     return &op;
   }
@@ -346,6 +348,7 @@ class Compiler {
     op.to = Value(*node.GetParam3(), SpineDepth::AfterAnEnd());
     op.body = Effect(*node.GetParam4(), SpineDepth::AfterAnEnd());
     op.steps_ahead = StepsAhead(*node.GetParam4());
+    op.passes = MakePasses(nullptr, &op.variable, *op.body, program_);
     if (node.GetParam(5) != nullptr) op.last = Value(*node.GetParam(5), SpineDepth::AfterAnEnd());
     return &op;
   }
@@ -413,6 +416,7 @@ std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node) {
   if (is_lambda) program->lambda = &node;
   Compiler compiler(*program);
   program->root = compiler.Value(*root, SpineDepth());
+  if (!is_lambda) program->quick = MakeQuickTree(node, *program);
   return program;
 }
 

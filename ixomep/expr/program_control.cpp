@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ixomep/expr/program_numbers.h"
+#include "ixomep/expr/program_passes.h"
 #include "ixomep/values/error.h"
 
 namespace ixomep {
@@ -128,25 +129,109 @@ Reg RunCond(const Op& op, Run& run) {
   return (*cond.otherwise)(run);
 }
 
+namespace {
+
+// A loop's passes on quick trees, as long as they get somewhere.
+class QuickPasses {
+ public:
+  explicit QuickPasses(Passes* passes) noexcept : passes_(passes) {}
+
+  // Null when they are not to be tried.
+  Passes* Get() const noexcept { return passes_; }
+  // Runs what is left of the pass in which they stopped; false after a failure.
+  bool Finish(const Passes::Stop& stop, Run& run) {
+    const auto& steps = passes_->Steps();
+    HaveStopped();
+    for (std::size_t i = stop.steps_done; i < steps.size(); ++i) {
+      if (!RunUnwanted(*steps[i].operation, run)) return false;
+    }
+    return true;
+  }
+  void HaveStopped() noexcept {
+    if (--tries_ == 0) passes_ = nullptr;
+  }
+
+ private:
+  Passes* passes_;
+  std::int32_t tries_ = 8;
+};
+
+// Decides and takes a step; `steps` are taken and not used.
+Truth Begin(const WhileOp& loop, Run& run, std::int64_t& steps) {
+  const Truth truth = Decide(*loop.condition, run, "while");
+  if (truth != Truth::Yes) return truth;
+  if (steps == 0 && (steps = LimitWatch::StepAhead(loop.steps_ahead)) == 0) {
+    FailLimit(run);
+    return Truth::Failed;
+  }
+  --steps;
+  return truth;
+}
+
+}  // namespace
+
 Reg RunWhile(const Op& op, Run& run) {
   const auto& loop = As<WhileOp>(op);
-  std::int64_t steps = 0;  // taken and not used
+  QuickPasses quick(loop.passes);
+  std::int64_t steps = 0;
+  Truth truth = Truth::Yes;
   while (true) {
-    const Truth truth = Decide(*loop.condition, run, "while");
-    if (truth != Truth::Yes) {
-      LimitWatch::GiveBack(steps);
-      if (truth == Truth::No) break;
-      return kFailure;
+    const IxoMepValueSet* const scope = run.ScopeToAssign();
+    if (steps > 0 && quick.Get() != nullptr && scope != nullptr) {
+      const Passes::Stop stop = quick.Get()->RunWhile(*scope, steps);
+      steps -= stop.passes;
+      if (stop.is_ended) break;
+      if (stop.is_within) {
+        --steps;
+        if (quick.Finish(stop, run)) continue;
+        truth = Truth::Failed;
+        break;
+      }
+      if (steps > 0) quick.HaveStopped();
     }
-    if (steps == 0 && (steps = LimitWatch::StepAhead(loop.steps_ahead)) == 0) return FailLimit(run);
-    --steps;
+    truth = Begin(loop, run, steps);
+    if (truth != Truth::Yes) break;
     if (!RunUnwanted(*loop.body, run)) {
-      LimitWatch::GiveBack(steps);
-      return kFailure;
+      truth = Truth::Failed;
+      break;
     }
   }
+  LimitWatch::GiveBack(steps);
+  if (truth == Truth::Failed) return kFailure;
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
 }
+
+namespace {
+
+// The passes from i to the one before end, whose steps are taken; what is left of these after a
+// failure.
+std::int64_t RunPasses(const ForOp& loop, IxoMepValueSet& scope, QuickPasses& quick, std::int64_t i,
+                       std::int64_t end, Run& run) {
+  IxoMepValue* variable = nullptr;
+  std::uint64_t changes = 0;
+  for (; i < end; ++i) {
+    if (quick.Get() != nullptr) {
+      const Passes::Stop stop = quick.Get()->RunFor(scope, i, end);
+      i += stop.passes;
+      if (i == end) break;
+      if (stop.is_within) {
+        if (!quick.Finish(stop, run)) return end - i;
+        continue;
+      }
+      quick.HaveStopped();
+    }
+    if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
+      variable = &FindOrCreate(scope, loop.variable);
+      changes = IxoMepValueSet::Changes();
+    }
+    const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
+    StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
+    if (!RunUnwanted(*loop.body, run)) return end - i;
+  }
+  return 0;
+}
+
+}  // namespace
 
 Reg RunFor(const Op& op, Run& run) {
   const auto& loop = As<ForOp>(op);
@@ -164,23 +249,16 @@ Reg RunFor(const Op& op, Run& run) {
   }
   // Wider than the language's integers, so that a last value of 2147483647 ends the loop.
   const std::int64_t last = IntegerOf(to);
-  IxoMepValue* variable = nullptr;
-  std::uint64_t changes = 0;
+  QuickPasses quick(loop.passes);
   for (std::int64_t i = IntegerOf(from); i <= last;) {
     const std::int64_t steps = LimitWatch::StepAhead(std::min(loop.steps_ahead, last - i + 1));
     if (steps == 0) return FailLimit(run);
-    for (const std::int64_t end = i + steps; i < end; ++i) {
-      if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
-        variable = &FindOrCreate(*scope, loop.variable);
-        changes = IxoMepValueSet::Changes();
-      }
-      const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
-      StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
-      if (!RunUnwanted(*loop.body, run)) {
-        LimitWatch::GiveBack(end - i - 1);
-        return kFailure;
-      }
+    const std::int64_t left = RunPasses(loop, *scope, quick, i, i + steps, run);
+    if (left != 0) {
+      LimitWatch::GiveBack(left - 1);
+      return kFailure;
     }
+    i += steps;
   }
   return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
 }

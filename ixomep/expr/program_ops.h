@@ -72,11 +72,13 @@ struct ChoiceOp : Op {
   const Op* value = nullptr;
   const Op* otherwise = nullptr;
 };
+class Passes;
 struct WhileOp : Op {
   const Op* condition = nullptr;
   const Op* body = nullptr;
   const Op* last = nullptr;      // may be null
   std::int64_t steps_ahead = 1;  // passes whose steps may be taken beforehand
+  Passes* passes = nullptr;      // of a body that only assigns numbers
 };
 struct ForOp : Op {
   NameRef variable;
@@ -85,6 +87,7 @@ struct ForOp : Op {
   const Op* body = nullptr;
   const Op* last = nullptr;      // may be null
   std::int64_t steps_ahead = 1;  // passes whose steps may be taken beforehand
+  Passes* passes = nullptr;      // of a body that only assigns numbers
 };
 struct SequenceOp : Op {
   const Op* first = nullptr;

@@ -9,7 +9,7 @@
 
 #include "ixomep/expr/guarded.h"
 #include "ixomep/expr/node_ptr.h"
-#include "ixomep/expr/program.h"
+#include "ixomep/expr/program_quick.h"
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/values/string_address_map.h"
 
@@ -130,7 +130,7 @@ const Program* FindProgram(const IxoMepExprNode& node) {
     NodeAccess::SetMark(node, NodeAccess::Mark::HasEntry);
   }
   const Program* const program = Table::Instance().Find(node);
-  CachedProgramFor(node) = {&node, program};
+  CachedProgramFor(node) = {&node, program, program != nullptr ? program->quick : nullptr};
   return program;
 }
 
@@ -151,6 +151,7 @@ IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressio
     const Program* const program = IsInert(*held) ? nullptr : ProgramWithRoom(*held);
     if (program == nullptr) [[unlikely]]
       return held->Evaluate(parser, scope, result, text, strict);
+    if (program->quick != nullptr) program->quick->Expect(scope);
     Frame frame{parser, scope, text, strict};
     IxoMepErrorEnum failure = IMEPERR_NONE;
     const Reg made = RunProgram(*program, frame, failure);

@@ -71,6 +71,11 @@ class LimitWatch {
   // Does the host ask for the end? Nobody is asked while it is being asked.
   static bool IsInterrupted() noexcept;
 
+  // Can an evaluation that takes one step begin and end without anybody to ask or tell? It then
+  // opens no level and takes its step when it is done.
+  static bool IsStepUnnoticed() noexcept { return depth_ == 0 && !begins_afresh_ && left_ > 0; }
+  static void TakeUnnoticedStep() noexcept { --left_; }
+
   // How many levels are open, for whoever opens one itself (a call of a lambda, inside an
   // evaluation) and closes it again.
   static std::int32_t OpenLevels() noexcept { return depth_; }
