@@ -37,6 +37,8 @@ constexpr std::int32_t kLongestSpine = 251;
   IxoMepErrorEnum code = frame.parser->EvaluateFunctionCall(call.node, frame.scope, call.name, slot,
                                                             frame.text, frame.strict);
   const ValuePtr result(slot);
+  if (LimitWatch::Exceeded() != Limit::None) [[unlikely]]
+    return run.Fail(WithinLimits(code, frame.text));
   if (code == IMEPERR_NONE) {
     return result != nullptr ? RegOf(std::move(*result)) : Reg{kTagUnset, 0};
   }
