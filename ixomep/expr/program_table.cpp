@@ -109,6 +109,18 @@ void StoreInSlot(Reg result, IxoMepValue*& slot) {
   }
 }
 
+// Where somebody is asked at the beginning of an evaluation, or it stands inside another one: the
+// quick tree then has to be tried here. False, and nothing has happened, unless it gives the
+// result.
+bool RunQuickly(QuickTree& quick, const IxoMepValueSet* scope, IxoMepValue* result) {
+  if (result != nullptr && quick.names.IsBoundTo(scope) && quick.Run(*result)) {
+    IxoMepExprNode::m_nCallDepth = 0;
+    return true;
+  }
+  quick.Expect(scope);
+  return false;
+}
+
 }  // namespace
 
 CachedProgram cached_programs[kCachedPrograms];
@@ -151,7 +163,9 @@ IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressio
     const Program* const program = IsInert(*held) ? nullptr : ProgramWithRoom(*held);
     if (program == nullptr) [[unlikely]]
       return held->Evaluate(parser, scope, result, text, strict);
-    if (program->quick != nullptr) program->quick->Expect(scope);
+    if (program->quick != nullptr && RunQuickly(*program->quick, scope, result)) {
+      return IMEPERR_NONE;
+    }
     Frame frame{parser, scope, text, strict};
     IxoMepErrorEnum failure = IMEPERR_NONE;
     const Reg made = RunProgram(*program, frame, failure);

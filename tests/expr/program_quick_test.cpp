@@ -232,6 +232,35 @@ TEST(QuickTree, The_slot_may_be_the_variable_that_is_read) {
   }
 }
 
+TEST(QuickTree, Serves_evaluations_inside_others_and_of_a_host_that_may_interrupt) {
+  const IxoMepExpressionParser inner = Compiled("cond(i > j, i - j, a[2][0] + j)");
+  class Host : public IxoMepExpressionParser {
+   public:
+    explicit Host(const IxoMepExpressionParser& inner) : inner_(inner) {}
+    IxoMepErrorEnum EvaluateFunctionCall(const IxoMepExprNode*, IxoMepValueSet* scope,
+                                         const String&, IxoMepValue*& result, String& text,
+                                         bool strict) const override {
+      IxoMepValue::Assign(result, 0);
+      return inner_.Evaluate(scope, result, text, strict, false);
+    }
+
+   private:
+    const IxoMepExpressionParser& inner_;
+  } outer(inner);
+  String text;
+  ASSERT_EQ(outer.SetExpression("1 + hinner()", text), IMEPERR_NONE);
+  IxoMepValueSet scope;
+  Bind(scope);
+  const IxoMepValue number(0);
+  InterruptingHost host(InterruptingHost::kNever);
+  Traced(inner, scope, nullptr, false);
+  for (int time = 1; time <= 6; ++time) {
+    EXPECT_EQ(Traced(outer, scope, &number, false), "0 \"before\" integer 7 depth 0") << time;
+    EXPECT_EQ(Traced(inner, scope, &number, false), "0 \"before\" integer 6 depth 0") << time;
+  }
+  EXPECT_TRUE(IsReady(inner, scope));
+}
+
 TEST(QuickTree, An_evaluation_is_one_step_and_a_host_is_asked_as_ever) {
   const IxoMepExpressionParser parser = Compiled("i + j");
   IxoMepValueSet scope;
