@@ -218,9 +218,9 @@ class LambdaRun : public Run {
     LimitWatch::SetOpenLevels(depth_);
   }
   ~LambdaRun() {
-    LimitWatch::SetOpenLevels(depth_ - 1);
     if (frame_ != nullptr) [[unlikely]]
       GiveScopeBack();
+    LimitWatch::SetOpenLevels(depth_ - 1);
   }
   // Once: takes the step of the call. False: RaiseLimit says why.
   bool IsAllowed() const noexcept { return LimitWatch::MayCallAt(depth_); }
