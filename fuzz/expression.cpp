@@ -1,5 +1,6 @@
 // Fuzz target: expression texts. Each is compiled and, when that succeeds, evaluated plainly and
-// strictly, walked and by side programs, which must agree in all that they leave behind.
+// strictly, walked, by side programs and by quick trees, which must agree in all that they leave
+// behind.
 #include "fuzz/support/bytes.h"
 #include "fuzz/support/evaluation.h"
 #include "fuzz/support/fuzz_host.h"
@@ -17,5 +18,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   (void)CheckBothWays(parser, {});
   (void)CheckBothWays(parser, {.strict = true, .own_scope = true});
   (void)CheckBothWays(parser, {.own_scope = true});
+  CheckQuickly(parser);
   return 0;
 }

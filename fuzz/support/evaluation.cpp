@@ -6,7 +6,7 @@
 
 #include "fuzz/support/bounds.h"
 #include "fuzz/support/fuzz_host.h"
-#include "ixomep/expr/program.h"
+#include "ixomep/expr/program_quick.h"
 #include "ixomep/values/object.h"
 #include "ixomep/values/slot.h"
 
@@ -118,6 +118,27 @@ std::string CheckBothWays(const IxoMepExpressionParser& parser, const Setting& s
           expected + "---\n" + actual);
   }
   return expected;
+}
+
+void CheckQuickly(const IxoMepExpressionParser& parser) {
+  Scene scene;
+  const auto evaluate = [&](IxoMepValue* slot) {
+    String text;
+    const IxoMepErrorEnum code = parser.Evaluate(&scene.scope(), slot, text, false, false);
+    const ValuePtr result(slot);
+    return "code " + std::to_string(code) + " \"" + std::string(text.view()) + "\" " +
+           Shown(result.get());
+  };
+  const Bounds bounds;
+  for (int i = 0; i < 3; ++i) (void)evaluate(nullptr);
+  if (bounds.Reached() || FindQuickTree(*parser.GetTree(), &scene.scope()) == nullptr) return;
+  const std::string actual = evaluate(new IxoMepValue(0));
+  const bool before = UsePrograms(false);
+  const std::string expected = evaluate(new IxoMepValue(0));
+  UsePrograms(before);
+  if (bounds.Reached()) return;
+  Check(expected == actual, "the quick tree gives another outcome than the walk",
+        expected + "\n---\n" + actual);
 }
 
 }  // namespace ixomep::fuzz

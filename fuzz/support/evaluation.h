@@ -61,4 +61,8 @@ std::string Outcome(const IxoMepExpressionParser& parser, const Setting& setting
 // outcome, the empty text when it came to its bounds.
 std::string CheckBothWays(const IxoMepExpressionParser& parser, const Setting& setting);
 
+// Evaluates in one scope until a quiet expression has a quick tree, whose outcome must be the
+// walk's.
+void CheckQuickly(const IxoMepExpressionParser& parser);
+
 }  // namespace ixomep::fuzz

@@ -233,8 +233,11 @@ IxoMepErrorEnum ReadLeft(const IxoMepExprNode& node, Frame& frame, IxoMepValue& 
 
 IxoMepErrorEnum Evaluate(const IxoMepExprNode& node, Frame& frame, IxoMepValue& out) {
   const CallDepth depth;
-  const IxoMepErrorEnum code = Guarded(
-      frame.text, [&] { return depth.IsAllowed() ? Dispatch(node, frame, out) : TooDeep(frame); });
+  // What was computed while a limit was exceeded goes nowhere: nobody stores it.
+  const IxoMepErrorEnum code = WithinLimits(
+      Guarded(frame.text,
+              [&] { return depth.IsAllowed() ? Dispatch(node, frame, out) : TooDeep(frame); }),
+      frame.text);
   if (code != IMEPERR_NONE) {
     frame.no_result = false;
     ValueAccess::SetUndefined(out);

@@ -11,7 +11,7 @@
 #include "ixomep/expr/node_ptr.h"
 #include "ixomep/expr/node_text.h"
 #include "ixomep/expr/parse.h"
-#include "ixomep/expr/program.h"
+#include "ixomep/expr/program_quick.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/error.h"
 #include "ixomep/values/string_address_map.h"
@@ -102,6 +102,11 @@ IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepVa
                                                  bool ownScope) const {
   if (tree_ == nullptr) return IMEPERR_UNEXPECTED_TYPE;
   IxoMepExprNode::m_nCallDepth = 0;
+  if (!ownScope) {
+    if (ixomep::QuickTree* const quick = ixomep::FindQuickTree(*tree_, scope)) {
+      return ixomep::EvaluateQuickly(*quick, this, scope, result, errorText, strict);
+    }
+  }
   const auto evaluate = ownScope ? &EvaluateInOwnScope : &ixomep::EvaluateToSlot;
   return evaluate(*tree_, this, scope, result, errorText, strict);
 }

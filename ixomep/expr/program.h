@@ -16,12 +16,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <typeinfo>
 #include <vector>
 
 #include "ixomep/expr/evaluator.h"
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/node.h"
 #include "ixomep/expr/scalar.h"
+#include "ixomep/expr/stack_guard.h"
 #include "ixomep/expr/value_set.h"
 #include "ixomep/values/value_rep.h"
 
@@ -90,47 +92,46 @@ struct NameRef {
 
 class Program;
 
-// One level of evaluation: a root, or a lambda called from a program.
+// One evaluation by a program. This class is a root, or a lambda whose scope is there already:
+// everything is in the frame's scope. A lambda called from a program is a LambdaRun.
 class Run {
  public:
   static constexpr std::int32_t kMaxArguments = 4;
 
-  // A root, or a lambda whose scope is there already: everything is in frame.scope.
   Run(Frame& frame, std::int32_t entry_depth) noexcept
-      : frame_(frame),
-        lookup_(frame.scope != nullptr ? frame.scope : &no_scope_),
-        assignable_(frame.strict ? &no_scope_ : lookup_),
-        entry_depth_(entry_depth) {}
-  // A lambda called from `caller` with its arguments, as many as it has parameters. frame is the
-  // level's own; its scope counts only when the level has one.
-  Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* arguments,
-      std::int32_t entry_depth) noexcept;
+      : lookup_(frame.scope != nullptr ? frame.scope : &no_scope_),
+        frame_(&frame),
+        entry_depth_(entry_depth),
+        is_strict_(frame.strict) {}
   Run(const Run&) = delete;
   Run& operator=(const Run&) = delete;
-  ~Run() {
-    if (owns_scope_) GiveScopeBack();
-  }
 
-  bool IsStrict() const noexcept { return frame_.strict; }
-  String& Text() noexcept { return frame_.text; }
-  const IxoMepExpressionParser* Parser() const noexcept { return frame_.parser; }
+  bool IsStrict() const noexcept { return is_strict_; }
+  String& Text() noexcept { return NearestFrame().text; }
+  const IxoMepExpressionParser* Parser() const noexcept { return NearestFrame().parser; }
   // Does no host answer calls? Then they need not be handed to one. Found out when first asked.
   bool HasPlainParser() noexcept {
-    if (calls_ == Calls::NotLooked) {
-      calls_ = IsPlain(frame_.parser) ? Calls::OfLambdas : Calls::OfTheHost;
-    }
-    return calls_ == Calls::OfLambdas;
+    return HasHadPlainParser() || (calls_ == Calls::NotLooked && LooksAtParser());
   }
+  // Was that found out, and the answer yes?
+  bool HasHadPlainParser() const noexcept { return calls_ == Calls::OfLambdas; }
   std::int32_t EntryDepth() const noexcept { return entry_depth_; }
+  // The program of the lambda that was called; an empty one at a root.
+  const Program& Lambda() const noexcept { return *lambda_; }
   // Makes the level's scope, and those of its callers, when they have none yet.
   Frame& RealFrame() {
     if (arguments_ != nullptr) MakeScope();
-    return frame_;
+    return *frame_;
   }
   // The variable that assignment to the name stores into, when it is there at once: in the level's
   // own scope, where nobody else shares its bucket, and names may be assigned to. Else null.
   IxoMepValue* FindToAssign(const NameRef& ref) const noexcept {
-    return assignable_->FindInline(ref.bucket, ref.name);
+    return arguments_ == nullptr && !is_strict_ ? lookup_->FindInline(ref.bucket, ref.name)
+                                                : nullptr;
+  }
+  // The level's own scope, when there is one and names may be assigned to, else null.
+  IxoMepValueSet* ScopeToAssign() const noexcept {
+    return arguments_ == nullptr && !is_strict_ ? frame_->scope : nullptr;
   }
   // The argument that stands for a parameter, null when the level has a scope.
   const IxoMepValue* Argument(std::int32_t index) const noexcept {
@@ -145,36 +146,84 @@ class Run {
   const IxoMepValue* FindAtOnce(const NameRef& ref) const noexcept {
     return (waiting_ & ref.bit) == 0 ? lookup_->FindInline(ref.bucket, ref.name) : nullptr;
   }
+  // The same as Find for a name that is likely to stand in some outer scope.
+  const IxoMepValue* FindAgain(const NameRef& ref) const noexcept {
+    const bool is_known = (waiting_ & ref.bit) == 0 && ref.found.scope == lookup_ &&
+                          ref.found.changes == IxoMepValueSet::Changes();
+    return is_known ? ref.found.value : FindFarther(ref);
+  }
 
   Reg Fail(IxoMepErrorEnum failure) noexcept {
     code = failure;
     return {kTagFailed, 0};
   }
 
-  IxoMepErrorEnum code = IMEPERR_NONE;
+  IxoMepErrorEnum code;  // after a failure
 
- private:
-  void MakeScope();
+ protected:
+  Run(Run& caller, const Program& lambda, IxoMepValue* arguments, std::int32_t depth) noexcept;
+
   void GiveScopeBack() noexcept;
-  const IxoMepValue* FindArgument(const char* name) const noexcept;
-  const IxoMepValue* FindFarther(const NameRef& ref) const noexcept;
-
-  static bool IsPlain(const IxoMepExpressionParser* parser) noexcept;
 
   enum class Calls : std::uint8_t { NotLooked, OfLambdas, OfTheHost };
 
-  Frame& frame_;
-  static IxoMepValueSet no_scope_;  // stays empty
-
-  IxoMepValueSet* lookup_;      // the innermost scope that is there
-  IxoMepValueSet* assignable_;  // the level's own, where names may be assigned to
-  std::uint64_t waiting_ = 0;   // names of arguments without a scope, here and above
-  Run* caller_ = nullptr;       // of a level that has no scope yet
-  const Program* lambda_ = nullptr;
-  IxoMepValue* arguments_ = nullptr;  // null when the level's variables are in frame_.scope
+  IxoMepValueSet* lookup_;     // the innermost scope that is there
+  std::uint64_t waiting_ = 0;  // names of arguments without a scope, here and above
+  const Program* lambda_ = &no_lambda_;
+  IxoMepValue* arguments_ = nullptr;  // null when the level's variables are in frame_->scope
+  Frame* frame_;                      // null as long as the level has no scope
   std::int32_t entry_depth_;
-  bool owns_scope_ = false;
+  bool is_strict_;
   Calls calls_ = Calls::NotLooked;
+  std::int32_t depth_;     // of a LambdaRun: how many of the host's levels are open
+  Run* caller_ = nullptr;  // of a LambdaRun
+  union {
+    Frame own_frame_;  // of a LambdaRun, once MakeScope has made it
+  };
+
+ private:
+  void MakeScope();
+  bool LooksAtParser() noexcept;
+  const Frame& NearestFrame() const noexcept {
+    const Run* level = this;
+    while (level->frame_ == nullptr) level = level->caller_;
+    return *level->frame_;
+  }
+  const IxoMepValue* FindArgument(const char* name) const noexcept;
+  const IxoMepValue* FindFarther(const NameRef& ref) const noexcept;
+
+  [[gnu::noinline]] static bool IsPlain(const IxoMepExpressionParser& parser) noexcept;
+  static const std::type_info* other_parser_;
+
+  static IxoMepValueSet no_scope_;  // stays empty
+  static const Program no_lambda_;
+};
+
+// A lambda called from a program, with its arguments, as many as it has parameters. Making one is
+// a dozen stores, a good part of what a call costs: what only failures and scopes need is left to
+// MakeScope or found at the callers, and the count of open levels is stored from here instead of
+// being counted up and down in memory, where each call would wait for the one before it.
+class LambdaRun : public Run {
+ public:
+  // The first one above a root, or of another lambda.
+  LambdaRun(Run& caller, const Program& lambda, IxoMepValue* arguments,
+            std::int32_t entry_depth) noexcept
+      : Run(caller, lambda, arguments, LimitWatch::OpenLevels() + 1) {
+    entry_depth_ = entry_depth;
+    LimitWatch::SetOpenLevels(depth_);
+  }
+  // One above another.
+  LambdaRun(LambdaRun& caller, const Program& lambda, IxoMepValue* arguments) noexcept
+      : Run(caller, lambda, arguments, caller.depth_ + 1) {
+    LimitWatch::SetOpenLevels(depth_);
+  }
+  ~LambdaRun() {
+    if (frame_ != nullptr) [[unlikely]]
+      GiveScopeBack();
+    LimitWatch::SetOpenLevels(depth_ - 1);
+  }
+  // Once: takes the step of the call. False: RaiseLimit says why.
+  bool IsAllowed() const noexcept { return LimitWatch::MayCallAt(depth_); }
 };
 
 // Where the count of begun evaluations stands when a node's evaluation begins: at a number, or
@@ -204,6 +253,8 @@ inline void RestoreDepth(const SpineDepth& depth, const Run& run) noexcept {
   IxoMepExprNode::m_nCallDepth = depth.count + (depth.above_entry ? run.EntryDepth() : 0);
 }
 
+class QuickTree;
+
 // The operations of one tree, or of one lambda's body. They refer to the nodes of the tree, which
 // must outlive them.
 class Program {
@@ -221,10 +272,12 @@ class Program {
   }
 
   const Op* root = nullptr;
+  QuickTree* quick = nullptr;  // of a quiet tree (program_quick.h)
   // The longest chain of evaluations without an end among them that begins with the program.
   std::int32_t spine = 0;
 
-  // Of a lambda: its parameters, different names.
+  // Of a lambda: its node and its parameters, different names.
+  const IxoMepExprNode* lambda = nullptr;
   std::int32_t parameter_count = 0;
   NameRef parameters[Run::kMaxArguments];
   std::uint64_t parameter_bits = 0;
@@ -240,6 +293,19 @@ class Program {
   std::vector<std::unique_ptr<HolderBase>> holders_;
 };
 
+inline Run::Run(Run& caller, const Program& lambda, IxoMepValue* arguments,
+                std::int32_t depth) noexcept
+    : lookup_(caller.lookup_),
+      waiting_(caller.waiting_ | lambda.parameter_bits),
+      lambda_(&lambda),
+      arguments_(arguments),
+      frame_(nullptr),
+      entry_depth_(0),
+      is_strict_(caller.is_strict_),
+      calls_(caller.calls_),
+      depth_(depth),
+      caller_(&caller) {}
+
 // Compiles a tree, or a lambda's body when the node is a lambda; what is too deep in it is walked.
 // Null for a lambda of unusual shape.
 std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node);
@@ -248,6 +314,7 @@ std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node);
 struct CachedProgram {
   const IxoMepExprNode* node = nullptr;
   const Program* program = nullptr;
+  QuickTree* quick = nullptr;  // the program's
 };
 inline constexpr std::size_t kCachedPrograms = 256;
 extern CachedProgram cached_programs[kCachedPrograms];

@@ -1,5 +1,5 @@
-// Operations of side programs that steer, store and call: cond, loops, sequences, assignments to
-// names, calls of lambdas and of the host's functions; and the levels (Run) that calls open.
+// Operations of side programs that call: lambdas and functions of the host; and the levels (Run)
+// that calls open.
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -18,83 +18,17 @@ namespace ixomep {
 
 namespace {
 
+using Kind = IxoMepExprNodeType;
 using Type = IxoMepValueType;
 
-constexpr Reg kFailure{kTagFailed, 0};
-constexpr Reg kNothing{kTagUndefined, 0};
 constexpr std::int32_t kLongestSpine = 251;
-
-Reg FailTypes(Run& run, const char* shown, const IxoMepValue& a, const IxoMepValue* b = nullptr) {
-  run.Text() = IxoMepError::MakeFunctionError(IMEPERR_WRONG_TYPE, shown, &a, b);
-  return run.Fail(IMEPERR_WRONG_TYPE);
-}
 
 [[gnu::noinline]] Reg FailLimit(Run& run) noexcept { return run.Fail(RaiseLimit(run.Text())); }
 
-enum class Truth : std::uint8_t { No, Yes, Failed };
-
-Truth Decide(const Op& condition, Run& run, const char* function) {
-  const Reg r = condition(run);
-  if (r.tag == kTagInteger) return IntegerOf(r) != 0 ? Truth::Yes : Truth::No;
-  if (r.tag == kTagReal) return RealOf(r) != 0.0 ? Truth::Yes : Truth::No;
-  if (r.tag == kTagFailed) return Truth::Failed;
-  const IxoMepValue value = OwnedValue(r);
-  bool truth = false;
-  if (ReadCondition(value, truth)) return truth ? Truth::Yes : Truth::No;
-  FailTypes(run, function, value);
-  return Truth::Failed;
-}
-
-// Runs an operation whose result nobody wants; false after a failure.
-bool RunUnwanted(const Op& op, Run& run) {
-  const Reg unwanted = op(run);
-  if (unwanted.tag == kTagFailed) return false;
-  Drop(unwanted);
-  return true;
-}
-
 // --- Calls --------------------------------------------------------------------------------------
 
-template <std::size_t kArguments>
-Reg CallByProgram(const CallOp& call, const IxoMepExprNode& lambda, const Program& program,
-                  Run& run) {
-  const NodePtr held = NodePtr::Share(&lambda);
-  if (held.get() != &lambda) return RunPlainly(call, run);
-  std::array<IxoMepValue, std::max<std::size_t>(kArguments, 1)> arguments;  // never at null
-  for (std::size_t i = 0; i < kArguments; ++i) {
-    const Reg r = (*call.arguments[i])(run);
-    if (r.tag == kTagFailed) return r;
-    arguments[i] = OwnedValue(r);
-  }
-  // Without arguments the counter stands where the call began.
-  const std::int32_t entry_depth = kArguments == 0 ? IxoMepExprNode::m_nCallDepth : 0;
-  const CallLevel counted;
-  if (!counted.IsAllowed()) return FailLimit(run);
-  Frame frame{run.Parser(), nullptr, run.Text(), run.IsStrict()};
-  Run level(run, frame, program, arguments.data(), entry_depth);
-  const Reg result = (*program.root)(level);
-  if (result.tag == kTagFailed) run.code = level.code;
-  return result;
-}
-
-Reg CallLambdaNode(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
-  const Program* const program = ProgramFor(lambda);
-  if (program == nullptr || !StackGuard::HasRoom() ||
-      static_cast<std::size_t>(program->parameter_count) != call.arguments.size()) {
-    return RunPlainly(call, run);
-  }
-  if (call.arguments.empty()) {
-    RestoreDepth(call.depth.Inside(), run);
-    if (IxoMepExprNode::m_nCallDepth + program->spine > kLongestSpine) return RunPlainly(call, run);
-  }
-  static constexpr decltype(&CallByProgram<0>) kCallers[] = {&CallByProgram<0>, &CallByProgram<1>,
-                                                             &CallByProgram<2>, &CallByProgram<3>,
-                                                             &CallByProgram<4>};
-  static_assert(std::size(kCallers) == Run::kMaxArguments + 1);
-  return kCallers[call.arguments.size()](call, lambda, *program, run);
-}
-
-Reg CallHost(const CallOp& call, Run& run) {
+[[gnu::noinline]] Reg CallHost(const Op& op, Run& run) {
+  const auto& call = As<CallOp>(op);
   Frame& frame = run.RealFrame();
   const String text_before = frame.text;
   if (!LimitWatch::Step()) return FailLimit(run);
@@ -103,6 +37,8 @@ Reg CallHost(const CallOp& call, Run& run) {
   IxoMepErrorEnum code = frame.parser->EvaluateFunctionCall(call.node, frame.scope, call.name, slot,
                                                             frame.text, frame.strict);
   const ValuePtr result(slot);
+  if (LimitWatch::Exceeded() != Limit::None) [[unlikely]]
+    return run.Fail(WithinLimits(code, frame.text));
   if (code == IMEPERR_NONE) {
     return result != nullptr ? RegOf(std::move(*result)) : Reg{kTagUnset, 0};
   }
@@ -114,34 +50,145 @@ Reg CallHost(const CallOp& call, Run& run) {
   return frame.no_result ? Reg{kTagUnset, 0} : RegOf(std::move(out));
 }
 
+// The arguments in their order; those behind a failed one are not evaluated.
+template <std::size_t... kIndex>
+[[gnu::always_inline]] inline std::array<IxoMepValue, sizeof...(kIndex)> MakeArguments(
+    const CallOp& call, Run& run, bool& has_failed, std::index_sequence<kIndex...>) {
+  [[maybe_unused]] const auto make = [&](const Op& argument) {
+    const Reg r = has_failed ? Reg{kTagUndefined, 0} : argument(run);
+    has_failed = has_failed || r.tag == kTagFailed;
+    return OwnedValue(r);
+  };
+  return {make(*call.arguments[kIndex])...};
+}
+
+// How a call finds its only argument when that is a parameter of the caller, changed by a number:
+// without an operation of its own, the commonest argument of a recursion.
+[[gnu::always_inline]] inline IxoMepValue MakeStep(const CallOp& call, Run& run, bool& has_failed) {
+  const IxoMepValue* const before = run.Argument(call.step_of);
+  if (before != nullptr && before->GetType() == Type::Integer) [[likely]]
+    return IxoMepValue(Wrapped<Kind::Plus>(ValueAccess::Integer(*before), call.step));
+  const Reg r = (*call.arguments[0])(run);
+  has_failed = r.tag == kTagFailed;
+  return OwnedValue(r);
+}
+
+// Runs the body in a level of its own.
+[[gnu::always_inline]] inline Reg RunBody(LambdaRun& level, Run& run) {
+  if (!level.IsAllowed()) [[unlikely]]
+    return FailLimit(run);
+  const Reg result = (*level.Lambda().root)(level);
+  if (result.tag == kTagFailed) [[unlikely]]
+    run.code = level.code;
+  return result;
+}
+
+template <std::size_t kArguments, bool kIsStep>
+std::array<IxoMepValue, kArguments> ArgumentsOf(const CallOp& call, Run& run, bool& has_failed) {
+  if constexpr (kIsStep) {
+    return {MakeStep(call, run, has_failed)};
+  } else {
+    return MakeArguments(call, run, has_failed, std::make_index_sequence<kArguments>());
+  }
+}
+
+// Any lambda, which is held meanwhile.
+template <std::size_t kArguments>
+[[gnu::noinline]] Reg CallLambda(const CallOp& call, const IxoMepExprNode& lambda, Run& run) {
+  const Program* const program = ProgramFor(lambda);
+  if (program == nullptr || program->parameter_count != kArguments || !StackGuard::HasRoom()) {
+    return RunPlainly(call, run);
+  }
+  if constexpr (kArguments == 0) {
+    RestoreDepth(call.depth.Inside(), run);
+    if (IxoMepExprNode::m_nCallDepth + program->spine > kLongestSpine) return RunPlainly(call, run);
+  }
+  const NodePtr held = NodePtr::Share(&lambda);
+  if (held.get() != &lambda) return RunPlainly(call, run);
+  IxoMepValue none;  // stands for the arguments where there are none: their place is never null
+  bool has_failed = false;
+  auto arguments = ArgumentsOf<kArguments, false>(call, run, has_failed);
+  if (has_failed) return {kTagFailed, 0};
+  // Without arguments the counter stands where the call began.
+  const std::int32_t entry_depth = kArguments == 0 ? IxoMepExprNode::m_nCallDepth : 0;
+  LambdaRun level(run, *program, kArguments == 0 ? &none : arguments.data(), entry_depth);
+  return RunBody(level, run);
+}
+
+// A lambda that calls itself is held by whoever called it, and its program is at hand.
+template <std::size_t kArguments, bool kIsStep>
+[[gnu::always_inline]] inline Reg CallItself(const CallOp& call, LambdaRun& run) {
+  bool has_failed = false;
+  auto arguments = ArgumentsOf<kArguments, kIsStep>(call, run, has_failed);
+  if (has_failed) [[unlikely]]
+    return {kTagFailed, 0};
+  LambdaRun level(run, run.Lambda(), arguments.data());
+  return RunBody(level, run);
+}
+
+template <std::size_t kArguments, bool kIsStep>
+[[gnu::noinline]] Reg RunCallOfLambda(const Op& op, Run& run) {
+  const auto& call = As<CallOp>(op);
+  const IxoMepValue* const callee = run.FindAgain(call.callee);
+  if (callee == nullptr || callee->GetType() != Type::Lambda) [[unlikely]]
+    return RunPlainly(call, run);
+  const IxoMepExprNode* const lambda = ValueAccess::Lambda(*callee);
+  if constexpr (kArguments > 0) {
+    const Program& own = run.Lambda();
+    const bool is_own = own.lambda == lambda && own.parameter_count == kArguments;
+    if (is_own && StackGuard::HasRoom()) [[likely]]
+      return CallItself<kArguments, kIsStep>(call, static_cast<LambdaRun&>(run));
+  }
+  return CallLambda<kArguments>(call, *lambda, run);
+}
+
+// Several functions, so that none saves registers for the others.
+template <std::size_t kArguments, bool kIsStep>
+[[gnu::noinline]] Reg RunCallOfEither(const Op& op, Run& run) {
+  return run.HasPlainParser() ? RunCallOfLambda<kArguments, kIsStep>(op, run) : CallHost(op, run);
+}
+
+template <std::size_t kArguments, bool kIsStep>
+Reg RunCall(const Op& op, Run& run) {
+  return run.HasHadPlainParser() ? RunCallOfLambda<kArguments, kIsStep>(op, run)
+                                 : RunCallOfEither<kArguments, kIsStep>(op, run);
+}
+
 }  // namespace
+
+Op::Fn CallFunction(const CallOp& call) noexcept {
+  static constexpr Op::Fn kCalls[] = {&RunCall<0, false>, &RunCall<1, false>, &RunCall<2, false>,
+                                      &RunCall<3, false>, &RunCall<4, false>};
+  static_assert(std::size(kCalls) == Run::kMaxArguments + 1);
+  if (call.arguments.size() >= std::size(kCalls)) return &RunOtherCall;
+  return call.step_of >= 0 ? &RunCall<1, true> : kCalls[call.arguments.size()];
+}
+
+Reg RunOtherCall(const Op& op, Run& run) {
+  return run.HasPlainParser() ? RunPlainly(op, run) : CallHost(op, run);
+}
 
 // --- Levels -------------------------------------------------------------------------------------
 
-// Before its construction it is as empty: no name is found in it.
+// Before their construction they are as empty: no name is found, no lambda is called.
 IxoMepValueSet Run::no_scope_;
-
-Run::Run(Run& caller, Frame& frame, const Program& lambda, IxoMepValue* arguments,
-         std::int32_t entry_depth) noexcept
-    : frame_(frame),
-      lookup_(caller.lookup_),
-      assignable_(&no_scope_),
-      waiting_(caller.waiting_ | lambda.parameter_bits),
-      caller_(&caller),
-      lambda_(&lambda),
-      arguments_(arguments),
-      entry_depth_(entry_depth),
-      calls_(caller.calls_) {}
+const Program Run::no_lambda_;
+const std::type_info* Run::other_parser_ = nullptr;
 
 // Comparing types may compare their names: a class that is another one is remembered.
-bool Run::IsPlain(const IxoMepExpressionParser* parser) noexcept {
-  if (parser == nullptr) return true;
-  static const std::type_info* other = nullptr;
-  const std::type_info& type = typeid(*parser);
-  if (&type == other) return false;
+bool Run::IsPlain(const IxoMepExpressionParser& parser) noexcept {
+  const std::type_info& type = typeid(parser);
   if (type == typeid(IxoMepExpressionParser)) return true;
-  other = &type;
+  other_parser_ = &type;
   return false;
+}
+
+bool Run::LooksAtParser() noexcept {
+  const IxoMepExpressionParser* const parser = Parser();
+  const bool is_plain =
+      parser == nullptr || (&typeid(*parser) != other_parser_ && IsPlain(*parser));
+  calls_ = is_plain ? Calls::OfLambdas : Calls::OfTheHost;
+  return is_plain;
 }
 
 const IxoMepValue* Run::FindArgument(const char* name) const noexcept {
@@ -170,7 +217,8 @@ void Run::MakeScope() {
   while (arguments_ != nullptr) {
     Run* level = this;
     while (level->caller_->arguments_ != nullptr) level = level->caller_;
-    PooledScope scope(level->caller_->frame_.scope);
+    const Frame& outer = *level->caller_->frame_;
+    PooledScope scope(outer.scope);
     // All places first, which may fail; then the arguments, which cannot.
     for (std::int32_t i = 0; i < level->lambda_->parameter_count; ++i) {
       scope->NewMoveValue(level->lambda_->parameters[i].name, MakeValue().release(), true);
@@ -178,16 +226,15 @@ void Run::MakeScope() {
     for (std::int32_t i = 0; i < level->lambda_->parameter_count; ++i) {
       *scope->FindHere(level->lambda_->parameters[i].name) = std::move(level->arguments_[i]);
     }
-    level->frame_.scope = scope.Release();
-    level->owns_scope_ = true;
-    level->lookup_ = level->frame_.scope;
-    if (!level->IsStrict()) level->assignable_ = level->lookup_;
+    level->frame_ = new (&level->own_frame_)
+        Frame{outer.parser, scope.Release(), outer.text, level->is_strict_};
+    level->lookup_ = level->frame_->scope;
     level->waiting_ = 0;
     level->arguments_ = nullptr;
   }
 }
 
-void Run::GiveScopeBack() noexcept { IxoMepValueSetContainer::FreeValueSet(frame_.scope); }
+void Run::GiveScopeBack() noexcept { IxoMepValueSetContainer::FreeValueSet(frame_->scope); }
 
 Reg RunPlainly(const Op& op, Run& run) {
   Frame& frame = run.RealFrame();
@@ -196,92 +243,6 @@ Reg RunPlainly(const Op& op, Run& run) {
   const IxoMepErrorEnum code = Evaluate(*op.node, frame, out);
   if (code != IMEPERR_NONE) return run.Fail(code);
   return frame.no_result ? Reg{kTagUnset, 0} : RegOf(std::move(out));
-}
-
-// --- Control ------------------------------------------------------------------------------------
-
-Reg RunCond(const Op& op, Run& run) {
-  const auto& cond = As<CondOp>(op);
-  for (const CondOp::Branch& branch : cond.branches) {
-    const Truth truth = Decide(*branch.condition, run, "cond");
-    if (truth == Truth::Yes) return (*branch.value)(run);
-    if (truth == Truth::Failed) return kFailure;
-  }
-  return (*cond.otherwise)(run);
-}
-
-Reg RunWhile(const Op& op, Run& run) {
-  const auto& loop = As<WhileOp>(op);
-  std::int64_t steps = 0;  // taken and not used
-  while (true) {
-    const Truth truth = Decide(*loop.condition, run, "while");
-    if (truth != Truth::Yes) {
-      LimitWatch::GiveBack(steps);
-      if (truth == Truth::No) break;
-      return kFailure;
-    }
-    if (steps == 0 && (steps = LimitWatch::StepAhead(loop.steps_ahead)) == 0) return FailLimit(run);
-    --steps;
-    if (!RunUnwanted(*loop.body, run)) {
-      LimitWatch::GiveBack(steps);
-      return kFailure;
-    }
-  }
-  return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
-}
-
-Reg RunFor(const Op& op, Run& run) {
-  const auto& loop = As<ForOp>(op);
-  IxoMepValueSet* const scope = run.RealFrame().scope;
-  if (scope == nullptr || run.IsStrict()) return RunPlainly(op, run);
-  FindOrCreate(*scope, loop.variable);
-  const Reg from = (*loop.from)(run);
-  if (from.tag == kTagFailed) return from;
-  const IxoMepValue first = OwnedValue(from);
-  const Reg to = (*loop.to)(run);
-  if (to.tag == kTagFailed) return to;
-  if (from.tag != kTagInteger || to.tag != kTagInteger) {
-    const IxoMepValue last = OwnedValue(to);
-    return FailTypes(run, "for(#2,#3)", first, &last);
-  }
-  // Wider than the language's integers, so that a last value of 2147483647 ends the loop.
-  const std::int64_t last = IntegerOf(to);
-  IxoMepValue* variable = nullptr;
-  std::uint64_t changes = 0;
-  for (std::int64_t i = IntegerOf(from); i <= last;) {
-    const std::int64_t steps = LimitWatch::StepAhead(std::min(loop.steps_ahead, last - i + 1));
-    if (steps == 0) return FailLimit(run);
-    for (const std::int64_t end = i + steps; i < end; ++i) {
-      if (variable == nullptr || changes != IxoMepValueSet::Changes()) {
-        variable = &FindOrCreate(*scope, loop.variable);
-        changes = IxoMepValueSet::Changes();
-      }
-      const Reg counter = IntegerReg(static_cast<std::int32_t>(i));
-      StoreScalar(TargetOf(*variable), Type::Integer, counter.bits);
-      if (!RunUnwanted(*loop.body, run)) {
-        LimitWatch::GiveBack(end - i - 1);
-        return kFailure;
-      }
-    }
-  }
-  return loop.last != nullptr ? (*loop.last)(run) : Reg{kTagUnset, 0};
-}
-
-Reg RunSequence(const Op& op, Run& run) {
-  const auto& sequence = As<SequenceOp>(op);
-  if (!RunUnwanted(*sequence.first, run)) return kFailure;
-  const Reg result = (*sequence.second)(run);
-  return result.tag == kTagUnset ? kNothing : result;
-}
-
-Reg RunCall(const Op& op, Run& run) {
-  const auto& call = As<CallOp>(op);
-  if (!run.HasPlainParser()) return CallHost(call, run);
-  const IxoMepValue* const callee = run.Find(call.callee);
-  if (callee == nullptr || callee->GetType() != Type::Lambda || call.is_line_number) {
-    return RunPlainly(op, run);
-  }
-  return CallLambdaNode(call, *ValueAccess::Lambda(*callee), run);
 }
 
 }  // namespace ixomep

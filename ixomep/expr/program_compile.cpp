@@ -7,7 +7,8 @@
 #include "ixomep/expr/builtin_table.h"
 #include "ixomep/expr/capture.h"
 #include "ixomep/expr/operator_table.h"
-#include "ixomep/expr/program_ops.h"
+#include "ixomep/expr/program_numbers.h"
+#include "ixomep/expr/program_passes.h"
 #include "ixomep/values/string_address_map.h"
 
 namespace ixomep {
@@ -188,6 +189,12 @@ class Compiler {
     return part;
   }
 
+  // Is it the operation of an operator between two operands (made by MakeBinary)?
+  static bool IsBinary(const Op& op) noexcept {
+    return op.fn != &RunPlainly && op.fn != &RunTextSum && op.node->Left() != nullptr &&
+           BinaryFunction(op.node->GetType(), Shape::General, Shape::General) != nullptr;
+  }
+
   // The sum as one of three or more parts when a text is among them, else as it was.
   const Op* MakeTextSum(const BinaryOp& sum) {
     const Op* const left = sum.left.op;
@@ -287,18 +294,36 @@ class Compiler {
   }
 
   const Op* MakeCond(const IxoMepExprNode& node, SpineDepth depth) {
-    auto& op = New<CondOp>(node, depth, &RunCond);
+    CondOp& cond = New<CondOp>(node, depth, &RunCond);
     SpineDepth condition_depth = depth.Inside();
     const IxoMepExprNode* cell = node.Right();
     while (cell->Right() != nullptr) {
       const Op* const condition = Value(*cell->Left(), condition_depth);
       cell = cell->Right();
-      op.branches.push_back({condition, Value(*cell->Left(), SpineDepth::AfterAnEnd())});
+      cond.branches.push_back({condition, Value(*cell->Left(), SpineDepth::AfterAnEnd())});
       condition_depth = SpineDepth::AfterAnEnd();
       cell = cell->Right();
     }
-    op.otherwise = Value(*cell->Left(), SpineDepth::AfterAnEnd());
-    return &op;
+    cond.otherwise = Value(*cell->Left(), SpineDepth::AfterAnEnd());
+    constexpr std::size_t kMostChoices = 4;  // they nest
+    return cond.branches.size() <= kMostChoices ? MakeChoices(cond) : &cond;
+  }
+
+  const Op* MakeChoices(const CondOp& cond) {
+    const Op* rest = cond.otherwise;
+    for (auto branch = cond.branches.rbegin(); branch != cond.branches.rend(); ++branch) {
+      auto& choice = New<ChoiceOp>(*cond.node, cond.depth, &RunChoice);
+      choice.condition = branch->condition;
+      choice.value = branch->value;
+      choice.otherwise = rest;
+      if (IsBinary(*choice.condition)) {
+        choice.compared = static_cast<const BinaryOp*>(choice.condition);
+        choice.fn = ChoiceFunction(choice.condition->node->GetType(), choice.compared->left.shape,
+                                   choice.compared->right.shape);
+      }
+      rest = &choice;
+    }
+    return rest;
   }
 
   const Op* MakeWhile(const IxoMepExprNode& node, SpineDepth depth) {
@@ -306,6 +331,7 @@ class Compiler {
     op.condition = Value(*node.GetParam1(), depth.Inside());
     op.body = Effect(*node.GetParam2(), SpineDepth::AfterAnEnd());
     if (!MayTakeSteps(*node.GetParam1())) op.steps_ahead = StepsAhead(*node.GetParam2());
+    op.passes = MakePasses(node.GetParam1(), nullptr, *op.body, program_);
     if (node.GetParam3() != nullptr) op.last = Value(*node.GetParam3(), SpineDepth::AfterAnEnd());
     return &op;
   }
@@ -322,22 +348,39 @@ class Compiler {
     op.to = Value(*node.GetParam3(), SpineDepth::AfterAnEnd());
     op.body = Effect(*node.GetParam4(), SpineDepth::AfterAnEnd());
     op.steps_ahead = StepsAhead(*node.GetParam4());
+    op.passes = MakePasses(nullptr, &op.variable, *op.body, program_);
     if (node.GetParam(5) != nullptr) op.last = Value(*node.GetParam(5), SpineDepth::AfterAnEnd());
     return &op;
   }
 
   const Op* MakeUserCall(const IxoMepExprNode& node, SpineDepth depth, const char* name) {
     static const char* const line_number = Intern("curlineno");
-    auto& op = New<CallOp>(node, depth, &RunCall);
+    auto& op = New<CallOp>(node, depth, nullptr);
     op.callee = NameRef(name);
     op.name = String(name);
-    op.is_line_number = name == line_number;
     SpineDepth argument_depth = depth.Inside();
     for (const IxoMepExprNode* cell = node.Right(); cell != nullptr; cell = cell->Right()) {
       op.arguments.push_back(Value(*cell->Left(), argument_depth));
       argument_depth = SpineDepth::AfterAnEnd();
     }
+    if (op.arguments.size() == 1) FindStep(op);
+    op.fn = name == line_number ? &RunOtherCall : CallFunction(op);
     return &op;
+  }
+
+  // Is the only argument a parameter plus or minus an integer?
+  static void FindStep(CallOp& call) noexcept {
+    const Op& argument = *call.arguments[0];
+    const Kind kind = argument.node->GetType();
+    if (!IsBinary(argument) || (kind != Kind::Plus && kind != Kind::Minus)) return;
+    const auto& sum = static_cast<const BinaryOp&>(argument);
+    if (sum.left.shape != Shape::Argument || sum.right.shape != Shape::Number ||
+        sum.right.number.tag != kTagInteger) {
+      return;
+    }
+    call.step_of = sum.left.argument;
+    call.step = IntegerOf(sum.right.number);
+    if (kind == Kind::Minus) call.step = Wrapped<Kind::Minus>(0, call.step);
   }
 
   Program& program_;
@@ -370,8 +413,10 @@ std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node) {
   const bool is_lambda = node.GetType() == Kind::Lambda;
   const IxoMepExprNode* const root = is_lambda ? node.Right() : &node;
   if (root == nullptr || (is_lambda && !ReadParameters(node, *program))) return nullptr;
+  if (is_lambda) program->lambda = &node;
   Compiler compiler(*program);
   program->root = compiler.Value(*root, SpineDepth());
+  if (!is_lambda) program->quick = MakeQuickTree(node, *program);
   return program;
 }
 

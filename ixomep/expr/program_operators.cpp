@@ -22,6 +22,7 @@ using Type = IxoMepValueType;
 // --- Everything else ----------------------------------------------------------------------------
 
 Reg Applied(IxoMepErrorEnum code, IxoMepValue&& out, Run& run) {
+  code = WithinLimits(code, run.Text());
   return code == IMEPERR_NONE ? RegOf(std::move(out)) : run.Fail(code);
 }
 

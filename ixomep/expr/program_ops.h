@@ -65,11 +65,20 @@ struct CondOp : Op {
   std::vector<Branch> branches;
   const Op* otherwise = nullptr;
 };
+// cond with one condition, or the rest of one with several.
+struct ChoiceOp : Op {
+  const Op* condition = nullptr;
+  const BinaryOp* compared = nullptr;  // the condition, for ChoiceFunction
+  const Op* value = nullptr;
+  const Op* otherwise = nullptr;
+};
+class Passes;
 struct WhileOp : Op {
   const Op* condition = nullptr;
   const Op* body = nullptr;
   const Op* last = nullptr;      // may be null
   std::int64_t steps_ahead = 1;  // passes whose steps may be taken beforehand
+  Passes* passes = nullptr;      // of a body that only assigns numbers
 };
 struct ForOp : Op {
   NameRef variable;
@@ -78,6 +87,7 @@ struct ForOp : Op {
   const Op* body = nullptr;
   const Op* last = nullptr;      // may be null
   std::int64_t steps_ahead = 1;  // passes whose steps may be taken beforehand
+  Passes* passes = nullptr;      // of a body that only assigns numbers
 };
 struct SequenceOp : Op {
   const Op* first = nullptr;
@@ -96,8 +106,11 @@ struct AppendOp : Op {
 struct CallOp : Op {
   NameRef callee;
   String name;
-  bool is_line_number = false;  // the one name that every parser knows
   std::vector<const Op*> arguments;
+  // Of a call whose only argument is a parameter of the calling lambda plus or minus an integer:
+  // which one, and what is added.
+  std::int32_t step_of = -1;
+  std::int32_t step = 0;
 };
 
 // Reading: constants, variables, arguments.
@@ -112,6 +125,9 @@ Op::Fn BinaryFunction(IxoMepExprNodeType kind, Shape left, Shape right) noexcept
 Op::Fn UnaryFunction(IxoMepExprNodeType kind, Shape operand) noexcept;
 // Control, assignment, calls. The forms without a result are for where nobody wants it.
 Reg RunCond(const Op& op, Run& run);
+Reg RunChoice(const Op& op, Run& run);
+// For a ChoiceOp with that comparison as its condition.
+Op::Fn ChoiceFunction(IxoMepExprNodeType kind, Shape left, Shape right) noexcept;
 Reg RunWhile(const Op& op, Run& run);
 Reg RunFor(const Op& op, Run& run);
 Reg RunSequence(const Op& op, Run& run);
@@ -120,7 +136,10 @@ Reg RunAssignOnly(const Op& op, Run& run);
 Reg RunAppendOnly(const Op& op, Run& run);
 // For an AssignOp with `appended`, by the shape of what is added.
 Op::Fn AddOnlyFunction(Shape more) noexcept;
-Reg RunCall(const Op& op, Run& run);
+// For a call of a name that is no built-in, by its arguments.
+Op::Fn CallFunction(const CallOp& call) noexcept;
+// The same for the one name that every parser knows, and for many arguments.
+Reg RunOtherCall(const Op& op, Run& run);
 
 // The variable, created undefined when it is nowhere.
 inline IxoMepValue& FindOrCreate(IxoMepValueSet& scope, const NameRef& ref) {

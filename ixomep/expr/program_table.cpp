@@ -9,7 +9,7 @@
 
 #include "ixomep/expr/guarded.h"
 #include "ixomep/expr/node_ptr.h"
-#include "ixomep/expr/program.h"
+#include "ixomep/expr/program_quick.h"
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/values/string_address_map.h"
 
@@ -109,6 +109,18 @@ void StoreInSlot(Reg result, IxoMepValue*& slot) {
   }
 }
 
+// Where somebody is asked at the beginning of an evaluation, or it stands inside another one: the
+// quick tree then has to be tried here. False, and nothing has happened, unless it gives the
+// result.
+bool RunQuickly(QuickTree& quick, const IxoMepValueSet* scope, IxoMepValue* result) {
+  if (result != nullptr && quick.names.IsBoundTo(scope) && quick.Run(*result)) {
+    IxoMepExprNode::m_nCallDepth = 0;
+    return true;
+  }
+  quick.Expect(scope);
+  return false;
+}
+
 }  // namespace
 
 CachedProgram cached_programs[kCachedPrograms];
@@ -130,7 +142,7 @@ const Program* FindProgram(const IxoMepExprNode& node) {
     NodeAccess::SetMark(node, NodeAccess::Mark::HasEntry);
   }
   const Program* const program = Table::Instance().Find(node);
-  CachedProgramFor(node) = {&node, program};
+  CachedProgramFor(node) = {&node, program, program != nullptr ? program->quick : nullptr};
   return program;
 }
 
@@ -151,6 +163,9 @@ IxoMepErrorEnum EvaluateToSlot(const IxoMepExprNode& root, const IxoMepExpressio
     const Program* const program = IsInert(*held) ? nullptr : ProgramWithRoom(*held);
     if (program == nullptr) [[unlikely]]
       return held->Evaluate(parser, scope, result, text, strict);
+    if (program->quick != nullptr && RunQuickly(*program->quick, scope, result)) {
+      return IMEPERR_NONE;
+    }
     Frame frame{parser, scope, text, strict};
     IxoMepErrorEnum failure = IMEPERR_NONE;
     const Reg made = RunProgram(*program, frame, failure);

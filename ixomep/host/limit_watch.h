@@ -71,6 +71,20 @@ class LimitWatch {
   // Does the host ask for the end? Nobody is asked while it is being asked.
   static bool IsInterrupted() noexcept;
 
+  // Can an evaluation that takes one step begin and end without anybody to ask or tell? It then
+  // opens no level and takes its step when it is done.
+  static bool IsStepUnnoticed() noexcept { return depth_ == 0 && !begins_afresh_ && left_ > 0; }
+  static void TakeUnnoticedStep() noexcept { --left_; }
+
+  // How many levels are open, for whoever opens one itself (a call of a lambda, inside an
+  // evaluation) and closes it again.
+  static std::int32_t OpenLevels() noexcept { return depth_; }
+  static void SetOpenLevels(std::int32_t depth) noexcept { depth_ = depth; }
+  // Takes the step of a call that has opened a level; false when the evaluation has to end.
+  static bool MayCallAt(std::int32_t depth) noexcept {
+    return depth <= deepest_ ? Step() : Exceed(Limit::Depth) == Limit::None;
+  }
+
   // The limit that was exceeded, until the outermost evaluation has ended.
   static Limit Exceeded() noexcept { return exceeded_; }
   // How often a limit was exceeded since the process began.
@@ -91,9 +105,7 @@ class LimitWatch {
   static constexpr std::int32_t kPortion = 1024;
 
   static bool BeginPortion() noexcept;
-  static bool MayGoDeeper() noexcept {
-    return depth_ <= deepest_ ? Step() : Exceed(Limit::Depth) == Limit::None;
-  }
+  static bool MayGoDeeper() noexcept { return MayCallAt(depth_); }
   // Enters a level and takes its step; at once where nothing is limited.
   static bool Begin() noexcept {
     if (depth_ != 0 || begins_afresh_) [[unlikely]]

@@ -235,6 +235,64 @@ TEST(Limits, An_interrupt_ends_every_spelling_of_an_endless_loop) {
   }
 }
 
+// Also when what was computed meanwhile looks like a result.
+TEST(Limits, Nothing_is_stored_once_a_limit_was_exceeded) {
+  constexpr const char* kStores[] = {
+      "x := hswallow(\"while(1, 0)\")",
+      "x := 1 + hswallow(\"while(1, 0)\")",
+      "x := try(hswallow(\"while(1, 0)\"), 2)",
+      "x := {hswallow(\"while(1, 0)\")}",
+      "set(x, hswallow(\"while(1, 0)\"))",
+      "v[0] := hswallow(\"while(1, 0)\")",
+      "aappend(v, hswallow(\"while(1, 0)\"))",
+      "for(i, 1, 3){x := hswallow(\"while(1, 0)\")}",
+      "x := x + hswallow(\"while(1, 0)\")",
+      "f := lambda(p, (x := p)), f(hswallow(\"while(1, 0)\"))",
+  };
+  const ScopedLimits limits(IxoLimits{.steps = 30});
+  for (const char* const text : kStores) {
+    for (const Way way : {Way::Walked, Way::ByProgram}) {
+      SCOPED_TRACE(text);
+      const UseOfPrograms use(way == Way::ByProgram);
+      IxoMepValueSet scope;
+      Eval("x := 0, v := {0}", &scope);
+      Host host;
+      String message;
+      ASSERT_EQ(host.SetExpression(String(text), message), IMEPERR_NONE);
+      for (int time = 1; time <= 3; ++time) {
+        IxoMepValue* slot = nullptr;
+        EXPECT_EQ(host.Evaluate(&scope, slot, message, false, false), IMEPERR_TOO_DEEP);
+        EXPECT_EQ(slot, nullptr);
+        EXPECT_EQ(ShownVariable(scope, "x"), "integer 0");
+        EXPECT_EQ(ShownVariable(scope, "v"), "array {0}");
+      }
+    }
+  }
+}
+
+TEST(Limits, A_text_that_an_interruption_cut_short_is_not_stored) {
+  IxoMepValueSet scope;
+  Eval("x := 0, a := {}, for(i, 1, 20000, aappend(a, i)), v := {0}", &scope);
+  for (const char* const text : {"x := STR a", "x := LEN STR a", "x := \"-\" + STR a + \"-\"",
+                                 "set(x, STR a)", "aappend(v, STR a)", "v[0] := STR a",
+                                 "for(i, 1, 2){x := STR a}", "s := \"\", s := s + STR a, x := s"}) {
+    for (const Way way : {Way::Walked, Way::ByProgram}) {
+      SCOPED_TRACE(text);
+      const UseOfPrograms use(way == Way::ByProgram);
+      IxoMepExpressionParser parser;
+      String message;
+      ASSERT_EQ(parser.SetExpression(String(text), message), IMEPERR_NONE);
+      for (int time = 1; time <= 3; ++time) {
+        InterruptingHost host(1);
+        IxoMepValue* slot = nullptr;
+        EXPECT_EQ(parser.Evaluate(&scope, slot, message, false, false), IMEPERR_TOO_DEEP);
+        EXPECT_EQ(ShownVariable(scope, "x"), "integer 0");
+        EXPECT_EQ(ShownVariable(scope, "v"), "array {0}");
+      }
+    }
+  }
+}
+
 TEST(Limits, The_host_is_asked_at_the_latest_after_4096_steps) {
   for (const Way way : {Way::Walked, Way::ByProgram}) {
     InterruptingHost host(InterruptingHost::kNever);
