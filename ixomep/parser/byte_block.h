@@ -115,7 +115,8 @@ class VectorBlock {
   }
   template <LikeByte... kLikes>
   Mask IsControlOrForeignOrLike() const noexcept {
-    // The highest bit is what counts. As signed numbers, bytes beyond ASCII are below the blank too.
+    // The highest bit is what counts. As signed numbers, bytes beyond ASCII are below the blank
+    // too.
     __m128i hits = _mm_subs_epi8(bytes_, _mm_set1_epi8(' '));
     ((hits = _mm_or_si128(hits, IsLike<kLikes>())), ...);
     return MaskOf(hits);

@@ -90,8 +90,8 @@ bool XmlBuffer::AppendEscapedPiece(std::string_view ascii, const char* readable_
   const char* in = ascii.data();
   const char* const end = in + ascii.size();
   while (in != end) {
-    // A block at a time as it is, up to the first byte that may be replaced. What is written too far is
-    // written over.
+    // A block at a time as it is, up to the first byte that may be replaced. What is written too
+    // far is written over.
     while (readable_end - in >= std::ptrdiff_t{ByteBlock::kSize}) {
       const ByteBlock::Mask hits = MayBeXmlEscaped(ByteBlock(in));
       std::memcpy(out, in, ByteBlock::kSize);

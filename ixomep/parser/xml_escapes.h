@@ -1,6 +1,6 @@
-// Internal: what becomes of each ASCII byte in an XML attribute value, as one move of eight bytes,
-// and of the byte behind a backslash in a string literal. The one table of the buffer
-// (xml_buffer.h) and of literals that are written straight from the text (xml_literals.h).
+// Internal: what becomes of each ASCII byte in an XML attribute value, as one move of eight bytes.
+// The one table of the buffer (xml_buffer.h) and of literals that are written straight from the
+// text (xml_literals.h).
 #pragma once
 
 #include <algorithm>

@@ -64,8 +64,8 @@ void XmlValues::WriteMade(const ValueView& view) {
       return out_.Advance(std::to_chars(out, out + kIntegerSize, ValueAccess::Integer(value)).ptr);
     }
     case IxoMepValueType::Real:
-      return Advance(FormatReal(ValueAccess::Number(value), /*period=*/false,
-                                out_.Room(kFormatRealSize)));
+      return Advance(
+          FormatReal(ValueAccess::Number(value), /*period=*/false, out_.Room(kFormatRealSize)));
     case IxoMepValueType::Measure:
       return WriteMeasure(ValueAccess::Number(value));
     case IxoMepValueType::Time:

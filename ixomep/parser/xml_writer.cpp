@@ -279,8 +279,9 @@ inline char* XmlWriter::WriteQuickly(const AttributeRecord& attribute, const Xml
 }
 
 // What is kept of a name as a function writes it, or what that would be.
-inline void XmlWriter::WriteName(std::uint32_t number, char* (XmlNameText::*write)(char*) const noexcept,
-                          std::string_view before, std::string_view behind) {
+inline void XmlWriter::WriteName(std::uint32_t number,
+                                 char* (XmlNameText::*write)(char*) const noexcept,
+                                 std::string_view before, std::string_view behind) {
   const XmlNameText* const text = names_->TextOf(number);
   if (text != nullptr && text->IsAttribute()) {
     return out_.Advance((text->*write)(out_.Room(XmlNameText::kRoom)));

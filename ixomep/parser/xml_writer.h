@@ -1,6 +1,6 @@
-// Internal: the walk over a parser's elements that writes them as XML. It keeps its own stack, since
-// bodies nest as deep as a text likes. It goes over views, so that what was read into records is
-// written from the records, and it leaves values to xml_literals.h and xml_values.h.
+// Internal: the walk over a parser's elements that writes them as XML. It keeps its own stack,
+// since bodies nest as deep as a text likes. It goes over views, so that what was read into records
+// is written from the records, and it leaves values to xml_literals.h and xml_values.h.
 #pragma once
 
 #include <cstddef>
