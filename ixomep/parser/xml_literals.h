@@ -35,8 +35,9 @@ class XmlLiterals {
   bool MayWrite(const LiteralRecord& literal) const noexcept {
     return literal.at + literal.size < end_ && literal.size <= kLongest;
   }
-  // The end of what was written; null, and nothing that counts, when it is left to others.
-  char* Write(const LiteralRecord& literal, char* out) const noexcept {
+  // What becomes of a literal that is not None: the end of it; null, and nothing that counts, when
+  // it is left to others. A call for each literal would be a twentieth of all instructions.
+  [[gnu::always_inline]] char* Write(const LiteralRecord& literal, char* out) const noexcept {
     const char* const source = text_ + literal.at;
     const std::size_t size = literal.size;
     if (literal.Kind() <= LiteralKind::Escaped) [[likely]]
