@@ -160,7 +160,7 @@ class XmlLiterals {
       return out + 4;
     }
     if (digits == 1) return nullptr;
-    std::memcpy(out, "cm", 2);
+    std::memcpy(out, "cm", 3);
     return out + 2;
   }
 

@@ -158,9 +158,9 @@ void XmlWriter::WriteEndTagOf(std::uint32_t keyword) {
   const XmlNameText* const tag = names_->TextOf(keyword);
   if (tag != nullptr && tag->IsTag() && Indentation() <= XmlBuffer::kFewBlanks) {
     char* at = XmlBuffer::WriteFewBlanks(Indentation(), out_.Room(kTagRoom));
-    std::memcpy(at, "</", 2);
+    std::memcpy(at, "</", 3);
     at = tag->WriteEndTag(at + 2);
-    std::memcpy(at, ">\n", 2);
+    std::memcpy(at, ">\n", 3);
     return out_.Advance(at + 2);
   }
   WriteIndent();
@@ -200,7 +200,7 @@ void XmlWriter::WriteRecord(const ElementRecord& element) {
     at = out_.Room(kEndRoom);
   }
   const bool has_body = element.body != kNoRecord;
-  std::memcpy(at, has_body ? ">\n\0\0" : " />\n", 4);
+  std::memcpy(at, has_body ? ">\n\0\0" : " />\n", 5);
   out_.Advance(at + (has_body ? 2 : 4));
 }
 
