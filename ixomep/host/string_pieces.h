@@ -1,10 +1,10 @@
 // Internal: a text that grows by a few bytes at a time, as conversions do byte for byte: they are
-// collected here and appended many at a time, which takes a tenth of the time.
+// collected here and appended many at a time, which halves the time of an XML text that is not
+// ASCII.
 #pragma once
 
 #include <array>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
 #include "ixomep/host/string.h"
@@ -24,8 +24,7 @@ class StringPieces {
   static constexpr std::size_t kMost = 16;
   void Add(std::string_view few) {
     if (kSize - size_ < kMost) Flush();
-    std::memcpy(bytes_.data() + size_, few.data(), few.size());
-    size_ += few.size();
+    size_ += few.copy(bytes_.data() + size_, kMost);
   }
   void Flush() {
     out_.Append({bytes_.data(), size_});

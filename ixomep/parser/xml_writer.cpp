@@ -1,6 +1,6 @@
 // Elements as XML. Those in records take the quick way where names and values are short and plain:
 // one look at the room for all of an attribute, copies of fixed sizes, the place to write at in a
-// register. Six of ten instructions are left of what it takes to append piece by piece. See
+// register. That takes little more than half the instructions of appending piece by piece. See
 // xml_writer.h.
 #include "ixomep/parser/xml_writer.h"
 
