@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "ixomep/host/host.h"
-#include "ixomep/host/numbers.h"
+#include "ixomep/host/string_pieces.h"
 
 namespace {
 
@@ -66,10 +68,11 @@ std::uint32_t NextCodePoint(std::string_view text, std::size_t& at) noexcept {
   return code_point;
 }
 
-void AppendReference(String& out, std::uint32_t code_point) {
-  out += "&#";
-  out += StringFromInteger(static_cast<std::int32_t>(code_point));
-  out += ';';
+void AddReference(ixomep::StringPieces& out, std::uint32_t code_point) {
+  char text[ixomep::StringPieces::kMost] = {'&', '#'};
+  char* const end = std::to_chars(text + 2, std::end(text) - 1, code_point).ptr;
+  *end = ';';
+  out.Add({text, static_cast<std::size_t>(end + 1 - text)});
 }
 
 // The text that an ASCII byte of XML content has to be replaced by; null when it may stay.
@@ -189,21 +192,22 @@ String IxoSGMLString::XMLStr(const String& text, bool references) {
   const std::string_view utf8 = converted.view();
   String escaped;
   escaped.Reserve(converted.Len());
+  ixomep::StringPieces pieces(escaped);
   for (std::size_t at = 0; at < utf8.size();) {
     const std::size_t start = at;
     const std::uint32_t code_point = NextCodePoint(utf8, at);
-    const std::string_view sequence = utf8.substr(start, at - start);
     if (code_point >= 0x80) {
       if (references) {
-        AppendReference(escaped, code_point);
+        AddReference(pieces, code_point);
       } else {
-        escaped.Append(sequence);
+        pieces.Add(utf8.substr(start, at - start));
       }
-    } else if (const char* replacement = XmlReplacement(sequence.front())) {
-      escaped += replacement;
+    } else if (const char* replacement = XmlReplacement(utf8[start])) {
+      pieces.Add(std::string_view(replacement));
     } else {
-      escaped.Append(sequence);
+      pieces.Add(utf8.substr(start, at - start));
     }
   }
+  pieces.Flush();
   return escaped;
 }

@@ -35,6 +35,12 @@ constexpr std::uint64_t Eightfold(unsigned char byte) noexcept {
   return byte * 0x0101010101010101u;
 }
 
+// Bytes that are one byte when some bits are set in them: several letters that one question finds.
+struct LikeByte {
+  char bits;
+  char byte;
+};
+
 // The bytes of a word; the mask has their highest bits. Exact for all bytes.
 class WordBlock {
  public:
@@ -60,12 +66,27 @@ class WordBlock {
     const auto below = static_cast<unsigned char>(0x80 - first);
     return ~((low_bits + Eightfold(above)) | word_) & (low_bits + Eightfold(below)) & kAll;
   }
+  // Bytes below the blank, bytes beyond ASCII, and those that are like one of these.
+  template <LikeByte... kLikes>
+  Mask IsControlOrForeignOrLike() const noexcept {
+    Mask hits = Between(' ', '\x7F') ^ kAll;
+    ((hits |= With(kLikes.bits).Is(kLikes.byte)), ...);
+    return hits;
+  }
   // The place of the first byte in a mask that has one.
   static std::size_t First(Mask mask) noexcept {
     return static_cast<std::size_t>(std::countr_zero(mask)) / 8;
   }
 
  private:
+  struct Word {
+    std::uint64_t word;
+  };
+  explicit WordBlock(Word word) noexcept : word_(word.word) {}
+  WordBlock With(char bits) const noexcept {
+    return WordBlock(Word{word_ | Eightfold(static_cast<unsigned char>(bits))});
+  }
+
   std::uint64_t word_;
 };
 
@@ -92,12 +113,26 @@ class VectorBlock {
     const __m128i length = _mm_set1_epi8(static_cast<char>(last - first));
     return MaskOf(_mm_cmpeq_epi8(_mm_min_epu8(from_first, length), from_first));
   }
+  template <LikeByte... kLikes>
+  Mask IsControlOrForeignOrLike() const noexcept {
+    // The highest bit is what counts. As signed numbers, bytes beyond ASCII are below the blank
+    // too.
+    __m128i hits = _mm_subs_epi8(bytes_, _mm_set1_epi8(' '));
+    ((hits = _mm_or_si128(hits, IsLike<kLikes>())), ...);
+    return MaskOf(hits);
+  }
   static std::size_t First(Mask mask) noexcept {
     return static_cast<std::size_t>(std::countr_zero(mask));
   }
 
  private:
   __m128i Equal(char byte) const noexcept { return _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(byte)); }
+  template <LikeByte kLike>
+  __m128i IsLike() const noexcept {
+    const __m128i bytes =
+        kLike.bits != 0 ? _mm_or_si128(bytes_, _mm_set1_epi8(kLike.bits)) : bytes_;
+    return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(kLike.byte));
+  }
   static Mask MaskOf(__m128i bytes) noexcept { return static_cast<Mask>(_mm_movemask_epi8(bytes)); }
 
   __m128i bytes_;

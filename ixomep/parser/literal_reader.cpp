@@ -14,28 +14,6 @@
 namespace ixomep {
 namespace {
 
-// The byte that a backslash and a letter stand for.
-constexpr char Unescaped(char letter) noexcept {
-  switch (letter) {
-    case 'a':
-      return '\a';
-    case 'b':
-      return '\b';
-    case 't':
-      return '\t';
-    case 'n':
-      return '\n';
-    case 'v':
-      return '\v';
-    case 'f':
-      return '\f';
-    case 'r':
-      return '\r';
-    default:
-      return letter;
-  }
-}
-
 ValuePtr Fail(LiteralContext& context, IxoMepErrorEnum code) {
   context.code = Raise(context.error_text, code);
   return nullptr;

@@ -33,6 +33,28 @@ struct LiteralContext {
 // Made by the parser's factory; a plain one without a parser.
 std::unique_ptr<IxoMepExpressionParser> NewExpression(IxoMepParser* parser);
 
+// The byte that a backslash and a letter stand for.
+constexpr char Unescaped(char letter) noexcept {
+  switch (letter) {
+    case 'a':
+      return '\a';
+    case 'b':
+      return '\b';
+    case 't':
+      return '\t';
+    case 'n':
+      return '\n';
+    case 'v':
+      return '\v';
+    case 'f':
+      return '\f';
+    case 'r':
+      return '\r';
+    default:
+      return letter;
+  }
+}
+
 // The text between the quotes of a string literal without its backslashes; the form with `out`
 // writes it there, where as many bytes have room, and gives its end.
 String Unescape(std::string_view content);

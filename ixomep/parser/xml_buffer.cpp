@@ -2,56 +2,19 @@
 #include "ixomep/parser/xml_buffer.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 
+#include "ixomep/host/memory_budget.h"
 #include "ixomep/parser/byte_block.h"
+#include "ixomep/parser/xml_escapes.h"
 
 namespace ixomep {
 
 namespace {
 
-constexpr std::size_t kLongestEscape = 6;
 // Text of that length has room in a block whatever it becomes.
 constexpr std::size_t kPiece = 4096;
-static_assert(kPiece * kLongestEscape + ByteBlock::kSize <= XmlBuffer::kBlockSize);
-
-// What becomes of one byte.
-struct Escape {
-  static constexpr unsigned char kItself = 255;
-  static constexpr unsigned char kNotAscii = 254;
-
-  char text[kLongestEscape + 1];
-  unsigned char length;
-};
-static_assert(sizeof(Escape) == 8);
-
-constexpr Escape EscapeOf(std::string_view text) {
-  Escape escape{{}, static_cast<unsigned char>(text.size())};
-  std::copy(text.begin(), text.end(), escape.text);
-  return escape;
-}
-
-constexpr std::array<Escape, 256> MakeEscapes() {
-  std::array<Escape, 256> escapes{};
-  for (std::size_t byte = 32; byte < 256; ++byte) {
-    escapes[byte].length = byte < 128 ? Escape::kItself : Escape::kNotAscii;
-  }
-  constexpr struct {
-    unsigned char byte;
-    std::string_view text;
-  } kReplaced[] = {{'&', "&amp;"},   {'<', "&lt;"},  {'>', "&gt;"},   {'"', "&quot;"},
-                   {'\'', "&apos;"}, {'\t', "&#9;"}, {'\n', "&#10;"}, {'\r', "&#13;"}};
-  for (const auto& row : kReplaced) escapes[row.byte] = EscapeOf(row.text);
-  return escapes;
-}
-
-constexpr auto kEscapes = MakeEscapes();
-
-// The bytes of a block that do not stay as they are.
-ByteBlock::Mask Replaced(const ByteBlock& block) noexcept {
-  return (block.Between(' ', '\x7F') ^ ByteBlock::kAll) | block.IsAny<'&', '<', '>', '"', '\''>();
-}
+static_assert(kPiece * kLongestXmlEscape + ByteBlock::kSize <= XmlBuffer::kBlockSize);
 
 bool IsAscii(std::string_view text) noexcept {
   unsigned char bits = 0;
@@ -74,10 +37,22 @@ void XmlBuffer::Flush() {
 
 void XmlBuffer::NextBlock() {
   Flush();
-  if (block_ != nullptr) return;
+  if (block_ != nullptr || Widen()) return;
   block_ = std::make_unique_for_overwrite<char[]>(kBlockSize);
   start_ = at_ = block_.get();
   end_ = at_ + kBlockSize;
+}
+
+// More room in the text itself, where there is plenty of memory: what it holds is copied once, what
+// comes not at all.
+bool XmlBuffer::Widen() {
+  const auto length = static_cast<std::int64_t>(out_.Len());
+  const std::int64_t wished = length + length / 2 + std::int64_t{kBlockSize};
+  if (wished > String::kMaxLength) return false;
+  if (!MemoryBudget::MayTake(static_cast<std::size_t>(2 * wished))) return false;
+  out_.Reserve(static_cast<std::int32_t>(wished));
+  UseTail();
+  return true;
 }
 
 void XmlBuffer::AppendLong(std::string_view text) {
@@ -86,8 +61,9 @@ void XmlBuffer::AppendLong(std::string_view text) {
     at_ += text.size();
     return;
   }
-  NextBlock();
+  Flush();
   out_.Append(text);
+  if (block_ == nullptr) UseTail();
 }
 
 void XmlBuffer::ManyBlanks(std::size_t count) {
@@ -110,14 +86,14 @@ bool XmlBuffer::AppendEscaped(std::string_view ascii, const char* readable_end) 
 }
 
 bool XmlBuffer::AppendEscapedPiece(std::string_view ascii, const char* readable_end) {
-  char* out = Room(ascii.size() * kLongestEscape + ByteBlock::kSize);
+  char* out = Room(ascii.size() * kLongestXmlEscape + ByteBlock::kSize);
   const char* in = ascii.data();
   const char* const end = in + ascii.size();
   while (in != end) {
-    // A block at a time as it is, up to the first byte that is replaced. What is written too far is
-    // written over.
+    // A block at a time as it is, up to the first byte that may be replaced. What is written too
+    // far is written over.
     while (readable_end - in >= std::ptrdiff_t{ByteBlock::kSize}) {
-      const ByteBlock::Mask hits = Replaced(ByteBlock(in));
+      const ByteBlock::Mask hits = MayBeXmlEscaped(ByteBlock(in));
       std::memcpy(out, in, ByteBlock::kSize);
       const std::size_t plain = hits != 0 ? ByteBlock::First(hits) : ByteBlock::kSize;
       const std::size_t taken = std::min(plain, static_cast<std::size_t>(end - in));
@@ -126,15 +102,9 @@ bool XmlBuffer::AppendEscapedPiece(std::string_view ascii, const char* readable_
       if (in == end || hits != 0) break;
     }
     if (in == end) break;
-    const Escape& escape = kEscapes[static_cast<unsigned char>(*in)];
-    if (escape.length == Escape::kItself) {
-      *out++ = *in++;
-      continue;
-    }
-    if (escape.length == Escape::kNotAscii) return false;
-    std::memcpy(out, &escape, sizeof escape);
-    out += escape.length;
-    ++in;
+    const XmlEscape& escape = XmlEscapeOfByte(*in++);
+    if (!escape.IsAscii()) return false;
+    out = escape.Write(out);
   }
   at_ = out;
   return true;

@@ -1,6 +1,6 @@
 // Internal: the growing text that XML is written into. Bytes go straight into the room that the
-// text has; once that is used up they are collected in a block and appended a block at a time.
-// ASCII values are escaped on their way, without a text of their own.
+// text has, which grows while there is plenty of memory; then they are collected in a block and
+// appended a block at a time. ASCII values are escaped on their way, without a text of their own.
 #pragma once
 
 #include <cstddef>
@@ -23,11 +23,7 @@ class XmlBuffer {
   static constexpr std::size_t kBlockSize = 32768;
 
   // Appends to a text that lives as long, and that nobody else uses until Flush.
-  explicit XmlBuffer(String& out) : out_(out) {
-    const std::span<char> tail = StringTail::Of(out);
-    start_ = at_ = tail.data();
-    end_ = at_ + tail.size();
-  }
+  explicit XmlBuffer(String& out) : out_(out) { UseTail(); }
 
   // Place for that many bytes, kBlockSize at most; what has been written is told to Advance.
   char* Room(std::size_t size) {
@@ -36,6 +32,10 @@ class XmlBuffer {
     return at_;
   }
   void Advance(const char* end) noexcept { at_ += end - at_; }
+  // For writers that keep the place in a register: the end of the room that is there without a
+  // call. What they have written is told to Advance before anything else is called.
+  char* At() const noexcept { return at_; }
+  const char* End() const noexcept { return end_; }
 
   // A string literal.
   template <std::size_t kSize>
@@ -52,17 +52,17 @@ class XmlBuffer {
     Copy(Room(text.size()), text);
     at_ += text.size();
   }
-  // The same for a text behind whose start at least kPadding bytes may be read.
-  static constexpr std::size_t kPadding = 32;
-  void AppendPadded(std::string_view text) {
-    if (text.size() > kPadding) return Append(text);
-    std::memcpy(Room(kPadding), text.data(), kPadding);
-    at_ += text.size();
-  }
   void Blanks(std::size_t count) {
-    if (count > kPadding) return ManyBlanks(count);
-    std::memset(Room(kPadding), ' ', kPadding);
-    at_ += count;
+    if (count > kFewBlanks) return ManyBlanks(count);
+    Advance(WriteFewBlanks(count, Room(kFewBlanks)));
+  }
+  // So many at most, for which there is room; the end of what counts.
+  static constexpr std::size_t kFewBlanks = 96;
+  static char* WriteFewBlanks(std::size_t count, char* out) noexcept {
+    constexpr std::size_t kUsual = 32;
+    std::memset(out, ' ', kUsual);
+    if (count > kUsual) std::memset(out + kUsual, ' ', kFewBlanks - kUsual);
+    return out + count;
   }
   // Escaped for an attribute value. False, and nothing written, when a byte of the text is not
   // ASCII: what becomes of those is the host's to say. Bytes behind the text may be read up to
@@ -97,8 +97,14 @@ class XmlBuffer {
       for (const char byte : from) *to++ = byte;
     }
   }
+  void UseTail() noexcept {
+    const std::span<char> tail = StringTail::Of(out_);
+    start_ = at_ = tail.data();
+    end_ = at_ + tail.size();
+  }
   void AppendLong(std::string_view text);
   void NextBlock();
+  bool Widen();
   void ManyBlanks(std::size_t count);
   bool AppendEscapedPiece(std::string_view ascii, const char* readable_end);
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "ixomep/host/encodings.h"
-#include "ixomep/parser/xml_buffer.h"
 
 namespace ixomep {
 
@@ -118,9 +117,18 @@ const String& XmlNames::Of(const String& name) {
 XmlNumberedNames::XmlNumberedNames(const NameTable& names, bool xml_names)
     : names_(names),
       xml_names_(xml_names),
-      written_(names.Count()),
-      pieces_(std::min(names.Count(), kKept) * kParts) {
+      texts_(std::min(names.Count(), kKept)),
+      written_(names.Count() - texts_.size()) {
   if (xml_names) known_.resize(names.Count());
+}
+
+bool XmlNumberedNames::Insert(std::uint32_t& number) {
+  if (xml_names_) number = Convert(number).number;
+  std::uint32_t& written =
+      number < TextCount() ? texts_[number].written : written_[number - TextCount()];
+  const bool is_new = written != element_;
+  written = element_;
+  return is_new;
 }
 
 const XmlNumberedNames::Known& XmlNumberedNames::Convert(std::uint32_t number) {
@@ -132,27 +140,23 @@ const XmlNumberedNames::Known& XmlNumberedNames::Convert(std::uint32_t number) {
   return known;
 }
 
-std::string_view XmlNumberedNames::Append(Part part, std::uint32_t number) {
-  kept_.resize(kept_size_);
-  const std::string_view name = names_.View(number);
-  if (part == Part::Tag) {
-    kept_ += '<';
-    AppendTag(name, xml_names_, kept_);
-  } else {
-    constexpr std::string_view kBefore[kParts] = {"", " modifier-", " val-", " opt-"};
-    kept_ += kBefore[static_cast<std::size_t>(part)];
-    kept_ += xml_names_ ? Convert(number).xml_name.view() : name;
-    kept_ += part == Part::Option ? "=\"true\"" : "=\"";
-  }
-  const std::size_t size = kept_.size() - kept_size_;
-  kept_.append(XmlBuffer::kPadding + 1, ' ');
-  return {kept_.data() + kept_size_, size};
+void XmlNumberedNames::KeepTag(std::uint32_t number) {
+  if (number >= TextCount() || texts_[number].IsTag()) return;
+  std::string text = "<";
+  AppendTagOf(number, text);
+  texts_[number].KeepTag(text);
 }
 
-void XmlNumberedNames::Keep(Part part, std::uint32_t number, Piece& piece) {
-  const std::string_view text = Append(part, number);
-  piece = {static_cast<std::uint32_t>(kept_size_), static_cast<std::uint32_t>(text.size())};
-  kept_size_ += text.size();
+void XmlNumberedNames::KeepAttribute(std::uint32_t number) {
+  if (number >= TextCount() || texts_[number].IsAttribute()) return;
+  std::string text = " val-";
+  text += Of(number);
+  text += "=\"";
+  texts_[number].KeepValue(text);
+}
+
+void XmlNumberedNames::AppendTagOf(std::uint32_t number, std::string& out) const {
+  AppendTag(names_.View(number), xml_names_, out);
 }
 
 void AppendTag(std::string_view keyword, bool xml_names, std::string& out) {

@@ -44,6 +44,10 @@ TYPED_TEST(ByteBlockTest, Answers_as_single_bytes_do) {
                     [](char b) { return b >= '0' && b <= '9'; });
         this->Check(block.Between(' ', '\x7F'), bytes.data(),
                     [](char b) { return static_cast<signed char>(b) >= ' '; });
+        this->Check(block.template IsControlOrForeignOrLike<LikeByte{5, '\''}, LikeByte{0, 'x'}>(),
+                    bytes.data(), [](char b) {
+                      return static_cast<signed char>(b) < ' ' || (b | 5) == '\'' || b == 'x';
+                    });
       }
     }
   }

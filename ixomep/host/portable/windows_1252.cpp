@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "ixomep/host/string_pieces.h"
+
 namespace ixomep::portable {
 namespace {
 
@@ -151,22 +153,24 @@ void Map(const ByteMap& map, char* bytes, std::size_t count) noexcept {
 }
 
 String Utf8Of1252(std::string_view text) {
-  String utf8;
   if (IsAscii(text)) return String(text);
+  String utf8;
+  StringPieces pieces(utf8);
   for (const char byte : text) {
     const std::uint32_t code_point = kUnicode1252[static_cast<unsigned char>(byte)];
     if (code_point < 0x80) {
-      utf8 += byte;
+      pieces.Add(byte);
       continue;
     }
     if (code_point < 0x800) {
-      utf8 += static_cast<char>(0xC0U | code_point >> 6);
+      pieces.Add(static_cast<char>(0xC0U | code_point >> 6));
     } else {
-      utf8 += static_cast<char>(0xE0U | code_point >> 12);
-      utf8 += static_cast<char>(0x80U | (code_point >> 6 & 0x3FU));
+      pieces.Add(static_cast<char>(0xE0U | code_point >> 12));
+      pieces.Add(static_cast<char>(0x80U | (code_point >> 6 & 0x3FU)));
     }
-    utf8 += static_cast<char>(0x80U | (code_point & 0x3FU));
+    pieces.Add(static_cast<char>(0x80U | (code_point & 0x3FU)));
   }
+  pieces.Flush();
   return utf8;
 }
 
