@@ -3,9 +3,13 @@
 #include "ixomep/parser/element.h"
 
 #include <algorithm>
+#include <exception>
+#include <numeric>
+#include <utility>
 
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/parser/parser.h"
+#include "ixomep/parser/parser_state.h"
 #include "ixomep/values/free_list.h"
 #include "ixomep/values/value.h"
 
@@ -15,13 +19,17 @@ namespace ixomep {
 class BodyTeardown {
  public:
   static void Destroy(IxoMepParser* body) noexcept {
-    body->next_doomed_ = doomed_;
+    if (body->State().is_shared) {  // it has no elements, and no room for the link
+      delete body;
+      return;
+    }
+    body->State().next_doomed = doomed_;
     doomed_ = body;
     if (running_) return;
     running_ = true;
     while (doomed_ != nullptr) {
       IxoMepParser* const next = doomed_;
-      doomed_ = next->next_doomed_;
+      doomed_ = next->State().next_doomed;
       delete next;
     }
     running_ = false;
@@ -87,9 +95,37 @@ IxoMepAttribute* IxoMepElement::GetAttr(std::int32_t position) const noexcept {
   return attributes_[static_cast<std::size_t>(position)].get();
 }
 
+// Without the memory for it what is not in order is looked for one by one.
+std::size_t IxoMepElement::OrderAttributes() const noexcept {
+  constexpr std::size_t kFewAttributes = 32;
+  const std::size_t ordered = by_name_ != nullptr ? by_name_->size() : 0;
+  if (attributes_.size() - ordered <= kFewAttributes) return ordered;
+  try {
+    auto order = std::make_unique<std::vector<std::uint32_t>>(attributes_.size());
+    std::iota(order->begin(), order->end(), std::uint32_t{0});
+    // The first of equal names comes first.
+    std::sort(order->begin(), order->end(), [this](std::uint32_t a, std::uint32_t b) {
+      const auto by_name = attributes_[a]->GetName() <=> attributes_[b]->GetName();
+      return by_name != 0 ? by_name < 0 : a < b;
+    });
+    by_name_ = std::move(order);
+    return by_name_->size();
+  } catch (const std::exception&) {
+    return ordered;
+  }
+}
+
 IxoMepAttribute* IxoMepElement::FindAttr(std::string_view name) const noexcept {
+  const std::size_t ordered = OrderAttributes();
+  if (ordered != 0) {
+    const auto at = std::lower_bound(by_name_->begin(), by_name_->end(), name,
+                                     [this](std::uint32_t position, std::string_view wanted) {
+                                       return attributes_[position]->GetName() < wanted;
+                                     });
+    if (at != by_name_->end() && attributes_[*at]->GetName() == name) return attributes_[*at].get();
+  }
   const auto found =
-      std::find_if(attributes_.begin(), attributes_.end(),
+      std::find_if(attributes_.begin() + static_cast<std::ptrdiff_t>(ordered), attributes_.end(),
                    [name](const auto& attribute) { return attribute->GetName().view() == name; });
   return found == attributes_.end() ? nullptr : found->get();
 }
