@@ -101,12 +101,14 @@ class IXOMEP_API IxoMepElement {
 
   // How many of the first attributes are in by_name_, after more have been added to it.
   std::size_t OrderAttributes() const noexcept;
+  IxoMepAttribute* AttributeOf(std::uint64_t entry) const noexcept;
 
   std::unique_ptr<IxoMepValue> value_;
   String keyword_;
   std::vector<std::unique_ptr<IxoMepAttribute>> attributes_;
-  // Positions of attributes in the order of their names; null while there are few.
-  mutable std::unique_ptr<std::vector<std::uint32_t>> by_name_;
+  // Positions of attributes, each below the hash of its name (32 bits), in the order of hashes and
+  // names; null while there are few.
+  mutable std::unique_ptr<std::vector<std::uint64_t>> by_name_;
   ixomep::BodyPtr body_;
   IxoMepParser* parser_;
   std::int32_t start_offset_;

@@ -164,7 +164,7 @@ TEST(BodyParsers, Read_again_what_they_have_read) {
   const IxoMepElement* const first = rows.GetElement(0);
   ASSERT_TRUE(rows.SetCurElemIndex(2));
   ASSERT_EQ(rows.Parse(), IMEPERR_NONE);
-  const std::string once = "ROW=1; ROW=2 b=(w * 2) label=\"x\"; ROW=3";
+  const std::string once = "ROW=1; ROW=2 b=((w)*(2)) label=\"x\"; ROW=3";
   EXPECT_EQ(Shape(rows), once + "; " + once);
   EXPECT_EQ(rows.GetElement(0), first);
   EXPECT_EQ(rows.GetCurElement(), first);
