@@ -108,6 +108,27 @@ class Walk {
   std::vector<Level> levels_;
 };
 
+// The same walk by the pointers that a parser hands out, for which every element becomes an object.
+std::int64_t WalkObjects(const IxoMepParser& outermost) {
+  std::vector<const IxoMepParser*> waiting = {&outermost};
+  std::int64_t found = 0;
+  while (!waiting.empty()) {
+    const IxoMepParser& parser = *waiting.back();
+    waiting.pop_back();
+    for (std::int32_t i = 0; i < parser.GetElemCount(); ++i) {
+      const IxoMepElement& element = *parser.GetElement(i);
+      found += element.GetKeyword().Len() + element.GetAttrCount();
+      for (std::int32_t k = 0; k < element.GetAttrCount(); ++k) {
+        if (const IxoMepParser* const body = element.GetAttr(k)->GetBodyParser()) {
+          waiting.push_back(body);
+        }
+      }
+      if (const IxoMepParser* const body = element.GetBodyParser()) waiting.push_back(body);
+    }
+  }
+  return found;
+}
+
 void ReadWalkFree(benchmark::State& state, const String& text, bool asks_for_values = false) {
   std::size_t most = 0;
   const std::size_t before = ixomep::MemoryBudget::InUse();
@@ -156,6 +177,74 @@ void Nested(benchmark::State& state) {
   ReadWalkFree(state, text);
 }
 BENCHMARK(Nested)->RangeMultiplier(10)->Range(1, 10'000);
+
+void NestedByPointers(benchmark::State& state) {
+  const String text = NestedText(state.range(0));
+  const std::size_t before = ixomep::MemoryBudget::InUse();
+  std::size_t most = 0;
+  for (auto _ : state) {
+    IxoMepParser parser(text, "bench");
+    if (parser.Parse() != IMEPERR_NONE) state.SkipWithError(parser.GetErrorText().c_str());
+    benchmark::DoNotOptimize(WalkObjects(parser));
+    most = std::max(most, ixomep::MemoryBudget::InUse() - before);
+  }
+  state.SetBytesProcessed(state.iterations() * text.Len());
+  state.counters["of_text"] = static_cast<double>(most) / text.Len();
+}
+BENCHMARK(NestedByPointers)->Arg(100'000);
+
+// --- Memory by shape ----------------------------------------------------------------------------
+
+std::string Times(std::int64_t count, const std::string& part) {
+  std::string text;
+  for (std::int64_t i = 0; i < count; ++i) text += part;
+  return text;
+}
+
+std::string InEachOther(std::int64_t depth, const std::string& open, const std::string& close) {
+  return Times(depth, open) + Times(depth, close);
+}
+
+// Elements in each other, each line as far indented as it is deep.
+std::string Indented(std::int64_t depth) {
+  std::string text;
+  for (std::int64_t i = 0; i < depth; ++i) text += Times(i, "  ") + "ITEM {\n";
+  for (std::int64_t i = depth; i-- > 0;) text += Times(i, "  ") + "}\n";
+  return text;
+}
+
+// The part again and again; a "#" in it becomes a number that is not there twice.
+String Filled(const std::string& part) {
+  std::string text;
+  for (int i = 0; static_cast<std::int64_t>(text.size()) < kMegabyte; ++i) {
+    const std::size_t sign = part.find('#');
+    text += sign == std::string::npos
+                ? part
+                : part.substr(0, sign) + std::to_string(i) + part.substr(sign + 1);
+  }
+  return String(text);
+}
+
+void Shape(benchmark::State& state, const std::string& part) { ReadWalkFree(state, Filled(part)); }
+
+// Down to the shortest elements there are.
+BENCHMARK_CAPTURE(Shape, "items in items, indented, depth 3", Indented(3));
+BENCHMARK_CAPTURE(Shape, "items in items, indented, depth 10", Indented(10));
+BENCHMARK_CAPTURE(Shape, "items in items, with values", InEachOther(1000, "ITEM 1 {\n", "}\n"));
+BENCHMARK_CAPTURE(Shape, "items in items", InEachOther(1000, "ITEM {\n", "}\n"));
+BENCHMARK_CAPTURE(Shape, "items in items, on one line", InEachOther(1000, "ITEM { ", "} "));
+BENCHMARK_CAPTURE(Shape, "items side by side", "ITEM { PART { } }\n");
+BENCHMARK_CAPTURE(Shape, "items without bodies", "ITEM #\n");
+BENCHMARK_CAPTURE(Shape, "A {A {..}}, depth 10", InEachOther(10, "A {", "}"));
+BENCHMARK_CAPTURE(Shape, "A {A {..}}, depth 1000", InEachOther(1000, "A {", "}"));
+BENCHMARK_CAPTURE(Shape, "A {A {..}}, depth 10000", InEachOther(10000, "A {", "}"));
+BENCHMARK_CAPTURE(Shape, "A {B {}}", "A {B {}}");
+BENCHMARK_CAPTURE(Shape, "A a b c", "A a b c d e f g h\n");
+BENCHMARK_CAPTURE(Shape, "attributes with names of their own", "ITEM size#: 12\n");
+BENCHMARK_CAPTURE(Shape, "bodies of attributes", "ITEM rows: { ROW }\n");
+BENCHMARK_CAPTURE(Shape, "expressions of their own", "ITEM area: (w * #)\n");
+BENCHMARK_CAPTURE(Shape, "calls of their own", "ITEM area: (f(#))\n");
+BENCHMARK_CAPTURE(Shape, "statements", "x := #;\n");
 
 }  // namespace
 

@@ -199,6 +199,7 @@ std::string AttributeBodies(std::int64_t n) {
   return "A" + Repeated(" b: { C", n) + Repeated(" }", n);
 }
 std::string Attributes(std::int64_t n) { return "A" + Numbered(" n#: #", n); }
+std::string IndexedAttributes(std::int64_t n) { return "A" + Numbered(" n[#]: #", n); }
 std::string Statements(std::int64_t n) { return Numbered("x# := #;\n", n); }
 std::string Comments(std::int64_t n) { return Repeated("(* comment *)\n", n) + "A"; }
 std::string Expressions(std::int64_t n) { return "A" + Numbered(" n#: (w * #)", n); }
@@ -271,8 +272,10 @@ void RegisterQueries() {
                     benchmark::DoNotOptimize(parser.GetValueOfPos(i));
                   }
                 });
-  // A name is looked for from the front.
-  RegisterQuery({"queries", "attributes by name", 64, 4096, kQuadratic}, Attributes, AskEachByName);
+  RegisterQuery({"queries", "attributes by name", 256, 65536, kLinear}, Attributes, AskEachByName);
+  // These are objects.
+  RegisterQuery({"queries", "indexed attributes by name", 256, 65536, kLinearInMemory},
+                IndexedAttributes, AskEachByName);
   RegisterQuery(
       {"queries", "an absent name", 256, 65536, kLinearInMemory}, Attributes,
       [](IxoMepConverter& parser) { benchmark::DoNotOptimize(parser.IsContained("absent")); });

@@ -2,6 +2,10 @@
 // document_objects.cpp, how they come about in document_scanner.cpp. See document.h.
 #include "ixomep/parser/document.h"
 
+#include <algorithm>
+#include <exception>
+#include <numeric>
+
 #include "ixomep/parser/bytes.h"
 #include "ixomep/parser/parser.h"
 
@@ -25,6 +29,43 @@ Document::Document(const String& text, std::uint32_t start, std::int32_t first_l
       first_line_(first_line),
       names_(text_.view()),
       lines_offset_(start) {}
+
+// The first of equal names comes first, since positions decide where names do not.
+void Document::OrderAttributes(const ElementRecord& element) const {
+  if (by_name_.IsEmpty()) by_name_.AssignZero(attributes_.Size());
+  std::uint32_t* const begin = by_name_.Data() + element.first_attribute;
+  if (*begin != 0) return;
+  std::uint32_t* const end = begin + element.attribute_count;
+  std::iota(begin, end, element.first_attribute + 1);
+  const auto is_before = [this](std::uint32_t a, std::uint32_t b) {
+    const std::uint32_t name = attributes_[a - 1].name;
+    const std::uint32_t other = attributes_[b - 1].name;
+    return name != other ? name < other : a < b;
+  };
+  if (!std::is_sorted(begin, end, is_before)) std::sort(begin, end, is_before);
+}
+
+std::uint32_t Document::FindAmongMany(const ElementRecord& element,
+                                      std::uint32_t name) const noexcept {
+  if (name == NameTable::kUnknown) return kNoRecord;
+  try {
+    OrderAttributes(element);
+  } catch (const std::exception&) {
+    return FindAmongFew(element, name);
+  }
+  const std::uint32_t* const begin = by_name_.Data() + element.first_attribute;
+  const std::uint32_t* const end = begin + element.attribute_count;
+  const auto name_of = [this](std::uint32_t position) { return attributes_[position - 1].name; };
+  // Names that are not repeated were numbered one after the other: this is where it would stand.
+  const std::uint32_t guess = name - name_of(*begin);
+  const bool is_there = guess < element.attribute_count && name_of(begin[guess]) == name &&
+                        (guess == 0 || name_of(begin[guess - 1]) != name);
+  if (is_there) return begin[guess] - 1;
+  const std::uint32_t* const found = std::lower_bound(
+      begin, end, name,
+      [&](std::uint32_t position, std::uint32_t wanted) { return name_of(position) < wanted; });
+  return found != end && name_of(*found) == name ? *found - 1 : kNoRecord;
+}
 
 std::uint32_t Document::CountedLines(std::uint32_t offset) const {
   const std::string_view text = text_.view();

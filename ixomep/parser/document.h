@@ -21,10 +21,13 @@
 class IxoMepAttribute;
 class IxoMepElement;
 class IxoMepParser;
+class IxoMepValueSet;
 
 namespace ixomep {
 
 inline constexpr std::uint32_t kNoRecord = static_cast<std::uint32_t>(-1);
+
+class Document;
 
 enum class LiteralKind : std::uint8_t {
   None,
@@ -74,19 +77,35 @@ struct ElementRecord {
 };
 static_assert(sizeof(ElementRecord) == 28);
 
-// The stretch between two braces.
+// The stretch between two braces. Bodies are numbered as they end, which is the order of their
+// elements too: those of one end where those of the next begin. The last one is the whole text.
 struct BodyRecord {
   static constexpr std::uint32_t kMostOffset = (std::uint32_t{1} << 31) - 1;  // any text's length
 
-  std::uint32_t first;  // element
-  std::uint32_t count;
+  std::uint32_t first : 31;              // element
+  mutable std::uint32_t has_parser : 1;  // it has been asked for
   std::uint32_t start : 31;
   std::uint32_t has_loose : 1;  // the element before the first one holds the attributes before it
   std::uint32_t end : 31;
   // A walk has gone over it before it had a parser: that starts at the last element.
   mutable std::uint32_t is_left_at_last : 1;
 };
-static_assert(sizeof(BodyRecord) == 16);
+static_assert(sizeof(BodyRecord) == 12);
+
+// The records of one stretch: those of a document from `first` on.
+struct RecordRange {
+  const Document* document = nullptr;  // null: none
+  std::uint32_t first = 0;
+  std::uint32_t count = 0;
+  bool has_loose = false;
+};
+
+// A place in the row of the parsers of bodies. The first one tells whose they are: a parser that
+// knows its number in the row finds its document there.
+struct BodySlot {
+  const Document* document;
+  std::uint64_t unused;
+};
 
 // A value that reading had to make: an expression that was compiled and folded.
 struct MadeValue {
@@ -98,6 +117,10 @@ struct MadeValue {
 
 class Document {
  public:
+  // An element with more attributes than this gets them in order, so that one that is asked for by
+  // name is not looked for among all.
+  static constexpr std::uint32_t kManyAttributes = 32;
+
   // The text as given to the parser that reads it; lines are counted from `start` on.
   Document(const String& text, std::uint32_t start, std::int32_t first_line, const String& context,
            const String& filename_stack);
@@ -117,9 +140,14 @@ class Document {
     return made_[literal.at].value.get();
   }
   const BodyRecord& Body(std::uint32_t index) const noexcept { return bodies_[index]; }
+  // How many elements a body has.
+  std::uint32_t CountOf(std::uint32_t body) const noexcept {
+    const BodyRecord& next = bodies_[body + 1];
+    return next.first - next.has_loose - bodies_[body].first;
+  }
   // The parser of a body; null while nobody has asked for it.
   IxoMepParser* MadeParser(std::uint32_t index) const noexcept {
-    return parsers_.IsEmpty() ? nullptr : parsers_[index];
+    return bodies_[index].has_parser != 0 ? ParserAt(index) : nullptr;
   }
   void LeaveAtLast(std::uint32_t index) const noexcept { bodies_[index].is_left_at_last = 1; }
   const NameTable& Names() const noexcept { return names_; }
@@ -133,12 +161,20 @@ class Document {
   // The line of an offset. Cheap for offsets that are asked in order.
   std::int32_t LineAt(std::uint32_t offset) const;
 
-  // The objects of records. Each element is made at most once, by the parser that keeps it; a body
-  // is made once and belongs to the document. May throw std::bad_alloc.
-  std::unique_ptr<IxoMepElement> MakeElement(std::uint32_t index, IxoMepParser* parser) const;
-  // The attributes before the first element of a body.
-  std::unique_ptr<IxoMepElement> MakeLoose(std::uint32_t index, IxoMepParser* parser) const;
+  // The objects of records, each made once. They belong to the document. May throw std::bad_alloc.
+  IxoMepElement* ElementObject(std::uint32_t index, bool is_loose, IxoMepParser* parser) const;
   IxoMepParser* BodyParser(std::uint32_t index) const;
+  // The object of an element; null while nobody has asked for it.
+  IxoMepElement* MadeElement(std::uint32_t index) const noexcept {
+    return objects_.IsEmpty() ? nullptr : objects_[index];
+  }
+  // Hands over the object of an element; null when there is none.
+  std::unique_ptr<IxoMepElement> TakeObject(std::uint32_t index) const noexcept;
+  // The variables of bodies; none unless set. SetVarsOf may throw std::bad_alloc.
+  IxoMepValueSet* VarsOf(std::uint32_t body) const noexcept {
+    return vars_.IsEmpty() ? nullptr : vars_[body];
+  }
+  void SetVarsOf(std::uint32_t body, IxoMepValueSet* vars) const;
   // The value of a literal that is neither Made nor Body nor None.
   IxoMepValue ReadLiteral(const LiteralRecord& literal) const;
 
@@ -146,11 +182,22 @@ class Document {
   friend class DocumentScanner;
 
   std::uint32_t FindAttribute(const ElementRecord& element, std::uint32_t name) const noexcept {
+    if (element.attribute_count > kManyAttributes) [[unlikely]]
+      return FindAmongMany(element, name);
+    return FindAmongFew(element, name);
+  }
+  std::uint32_t FindAmongFew(const ElementRecord& element, std::uint32_t name) const noexcept {
     const std::uint32_t end = element.first_attribute + element.attribute_count;
     for (std::uint32_t i = element.first_attribute; i < end; ++i) {
       if (attributes_[i].name == name) return i;
     }
     return kNoRecord;
+  }
+  std::uint32_t FindAmongMany(const ElementRecord& element, std::uint32_t name) const noexcept;
+  void OrderAttributes(const ElementRecord& element) const;
+  // Where the parser of a body stands, made or not.
+  IxoMepParser* ParserAt(std::uint32_t index) const noexcept {
+    return reinterpret_cast<IxoMepParser*>(&slots_.Data()[index + 1]);
   }
   std::unique_ptr<IxoMepElement> MakeObject(std::uint32_t index, IxoMepParser* parser,
                                             std::int32_t offset) const;
@@ -171,8 +218,15 @@ class Document {
   NameTable names_;
   mutable std::vector<MadeValue> made_;
 
-  // Body parsers that were asked for, by the number of their body.
-  mutable RecordArray<IxoMepParser*> parsers_;
+  // What has been asked for: parsers of bodies behind the first slot, and by numbers of elements
+  // and bodies, where there are any, the objects of elements and the variables of bodies.
+  mutable RecordArray<BodySlot> slots_;
+  mutable RecordArray<IxoMepElement*> objects_;
+  mutable RecordArray<IxoMepValueSet*> vars_;
+
+  // Beside attributes_, for elements with many that were asked for one by name: which attributes
+  // these are in the order of their names, counted from 1; 0 where nobody has asked.
+  mutable RecordArray<std::uint32_t> by_name_;
 
   mutable RecordArray<std::uint32_t> line_marks_;  // line feeds before every kLineMark-th byte
   mutable std::uint32_t lines_offset_;             // of the last question, and the answer

@@ -8,14 +8,12 @@
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/literal_reader.h"
 #include "ixomep/parser/parser.h"
-#include "ixomep/values/free_list.h"
 #include "ixomep/values/value_rep.h"
 
 namespace ixomep {
 namespace {
 
-// The blocks of body parsers are recycled, as those of values are.
-using BodyBlocks = FreeList<Document, sizeof(IxoMepParser)>;
+static_assert(sizeof(IxoMepParser) == sizeof(BodySlot));
 
 std::int32_t IntegerOf(std::string_view digits) noexcept {
   const bool is_negative = digits.front() == '-';
@@ -27,10 +25,9 @@ std::int32_t IntegerOf(std::string_view digits) noexcept {
 }  // namespace
 
 Document::~Document() {
-  for (std::uint32_t i = 0; i < parsers_.Size(); ++i) {
-    if (parsers_[i] == nullptr) continue;
-    parsers_[i]->~IxoMepParser();
-    BodyBlocks::Give(parsers_[i]);
+  for (std::uint32_t i = 0; i < objects_.Size(); ++i) delete objects_[i];
+  for (std::uint32_t i = 0; !slots_.IsEmpty() && i < bodies_.Size(); ++i) {
+    if (IxoMepParser* const parser = MadeParser(i)) parser->~IxoMepParser();
   }
 }
 
@@ -101,14 +98,20 @@ ValuePtr Document::MakeValueOf(const LiteralRecord& literal, std::uint32_t start
   return value;
 }
 
-std::unique_ptr<IxoMepElement> Document::MakeElement(std::uint32_t index,
-                                                     IxoMepParser* parser) const {
-  return MakeObject(index, parser, static_cast<std::int32_t>(elements_[index].start));
+IxoMepElement* Document::ElementObject(std::uint32_t index, bool is_loose,
+                                       IxoMepParser* parser) const {
+  if (objects_.IsEmpty()) objects_.AssignZero(elements_.Size());
+  IxoMepElement*& object = objects_[index];
+  if (object == nullptr) {
+    const auto offset = is_loose ? -1 : static_cast<std::int32_t>(elements_[index].start);
+    object = MakeObject(index, parser, offset).release();
+  }
+  return object;
 }
 
-std::unique_ptr<IxoMepElement> Document::MakeLoose(std::uint32_t index,
-                                                   IxoMepParser* parser) const {
-  return MakeObject(index, parser, -1);
+std::unique_ptr<IxoMepElement> Document::TakeObject(std::uint32_t index) const noexcept {
+  if (objects_.IsEmpty()) return nullptr;
+  return std::unique_ptr<IxoMepElement>(std::exchange(objects_[index], nullptr));
 }
 
 std::unique_ptr<IxoMepElement> Document::MakeObject(std::uint32_t index, IxoMepParser* parser,
@@ -145,11 +148,29 @@ std::unique_ptr<IxoMepElement> Document::MakeObject(std::uint32_t index, IxoMepP
 }
 
 IxoMepParser* Document::BodyParser(std::uint32_t index) const {
-  if (parsers_.IsEmpty()) parsers_.AssignZero(bodies_.Size());
-  IxoMepParser*& parser = parsers_[index];
-  if (parser != nullptr) return parser;
-  parser = new (BodyBlocks::Take()) IxoMepParser(*this, bodies_[index]);
-  return parser;
+  if (IxoMepParser* const made = MadeParser(index)) return made;
+  if (slots_.IsEmpty()) {
+    slots_.Reserve(bodies_.Size() + 1);
+    slots_.Push({this, 0});
+  }
+  const BodyRecord& body = bodies_[index];
+  const std::uint32_t count = CountOf(index);
+  std::uint32_t current = body.first;
+  if (count == 0) {
+    current = body.has_loose != 0 ? current - 1 : kNoRecord;
+  } else if (body.is_left_at_last != 0) {
+    current += count - 1;
+  }
+  body.has_parser = 1;
+  return new (static_cast<void*>(ParserAt(index))) IxoMepParser(index, current);
+}
+
+void Document::SetVarsOf(std::uint32_t body, IxoMepValueSet* vars) const {
+  if (vars_.IsEmpty()) {
+    if (vars == nullptr) return;
+    vars_.AssignZero(bodies_.Size());
+  }
+  vars_[body] = vars;
 }
 
 }  // namespace ixomep

@@ -54,6 +54,9 @@ DocumentScanner::DocumentScanner(Document& document)
 bool DocumentScanner::Read(FoldedLiterals& folded) {
   if (!Scan() && !ScanWithStatements()) return false;
   if (!Fold(folded)) return false;
+  BodyRecord whole{};
+  whole.first = first_ & BodyRecord::kMostOffset;
+  document_.bodies_.Push(whole);
   document_.elements_.Trim();
   document_.attributes_.Trim();
   document_.bodies_.Trim();
@@ -378,21 +381,17 @@ bool DocumentScanner::OpenBody(bool is_attribute) {
     if (next_semicolon_ != nullptr && !TryStatement(done)) return false;
     if (done) return true;
     if (!frame_.has_element || pending_elements_[frame_.owner].body != kNoRecord) return false;
-    pending_elements_[frame_.owner].body = document_.bodies_.Size();
   } else {
-    pending_attributes_.Back().literal.Set(LiteralKind::Body, document_.bodies_.Size());
+    frame_.holder = pending_attributes_.Size() - 1;
   }
   outer_.push_back(frame_);
   frame_ = Frame();
-  frame_.body = document_.bodies_.Size();
   frame_.elements = pending_elements_.Size();
   frame_.attributes = pending_attributes_.Size();
   frame_.is_attribute = is_attribute;
   ++at_;
   last_ = kAfterOpener;
-  BodyRecord body{};
-  body.start = OffsetOf(at_) & BodyRecord::kMostOffset;
-  document_.bodies_.Push(body);
+  frame_.start = OffsetOf(at_);
   gap_ = at_;
   is_fresh_ = true;
   return true;
@@ -401,16 +400,23 @@ bool DocumentScanner::OpenBody(bool is_attribute) {
 bool DocumentScanner::CloseBody() {
   if (outer_.empty()) return false;
   FinishElement();
-  BodyRecord& body = document_.bodies_[frame_.body];
+  const std::uint32_t number = document_.bodies_.Size();
+  const std::uint32_t first = document_.elements_.Size() + (frame_.has_loose ? 1 : 0);
+  BodyRecord body{};
+  body.first = first & BodyRecord::kMostOffset;
+  body.start = frame_.start & BodyRecord::kMostOffset;
   body.end = OffsetOf(at_) & BodyRecord::kMostOffset;
   body.has_loose = frame_.has_loose;
-  const std::uint32_t loose = frame_.has_loose ? 1 : 0;
-  body.first = document_.elements_.Size() + loose;
-  body.count = pending_elements_.Size() - frame_.elements - loose;
+  document_.bodies_.Push(body);
   document_.elements_.TakeTail(pending_elements_, frame_.elements);
   const bool must_end = frame_.is_attribute;
   frame_ = outer_.back();
   outer_.pop_back();
+  if (must_end) {
+    pending_attributes_[frame_.holder].literal.Set(LiteralKind::Body, number);
+  } else {
+    pending_elements_[frame_.owner].body = number;
+  }
   ++at_;
   gap_ = at_;
   is_fresh_ = false;

@@ -47,10 +47,11 @@ class DocumentScanner {
  private:
   // A stretch that is being read: the outermost one or a body.
   struct Frame {
-    std::uint32_t body = kNoRecord;
+    std::uint32_t start = 0;          // of a body
     std::uint32_t elements = 0;       // where its elements begin in pending_elements_
     std::uint32_t attributes = 0;     // where its owner's begin in pending_attributes_
     std::uint32_t owner = kNoRecord;  // the element in pending_elements_ that attributes belong to
+    std::uint32_t holder = 0;         // the attribute whose body is being read
     bool has_loose = false;
     bool has_element = false;
     bool is_attribute = false;  // an attribute's body

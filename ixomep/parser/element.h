@@ -91,16 +91,24 @@ class IXOMEP_API IxoMepElement {
   }
   // Borrowed; null when the position is out of range.
   IxoMepAttribute* GetAttr(std::int32_t position) const noexcept;
-  // The first attribute of exactly that name; borrowed, null when there is none.
+  // The first attribute of exactly that name; borrowed, null when there is none. In an element with
+  // many attributes it is not looked for among all of them.
   IxoMepAttribute* FindAttr(std::string_view name) const noexcept;
 
  private:
   friend class ixomep::Document;
   friend class ixomep::Grammar;
 
+  // How many of the first attributes are in by_name_, after more have been added to it.
+  std::size_t OrderAttributes() const noexcept;
+  IxoMepAttribute* AttributeOf(std::uint64_t entry) const noexcept;
+
   std::unique_ptr<IxoMepValue> value_;
   String keyword_;
   std::vector<std::unique_ptr<IxoMepAttribute>> attributes_;
+  // Positions of attributes, each below the hash of its name (32 bits), in the order of hashes and
+  // names; null while there are few.
+  mutable std::unique_ptr<std::vector<std::uint64_t>> by_name_;
   ixomep::BodyPtr body_;
   IxoMepParser* parser_;
   std::int32_t start_offset_;

@@ -11,12 +11,10 @@
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/element.h"
 #include "ixomep/parser/parser.h"
+#include "ixomep/parser/parser_state.h"
 #include "ixomep/values/value.h"
 
 namespace ixomep {
-
-// The current element of a parser that has none.
-IxoMepElement* EmptyElement() noexcept;
 
 class ElementView;
 
@@ -116,8 +114,8 @@ class ElementView {
  public:
   ElementView() = default;
   explicit ElementView(const IxoMepElement* made) noexcept : made_(made) {}
-  ElementView(const Document& document, std::uint32_t index, bool is_loose) noexcept
-      : document_(&document), record_(&document.Element(index)), is_loose_(is_loose) {}
+  ElementView(const Document& document, const ElementRecord& record, bool is_loose) noexcept
+      : document_(&document), record_(&record), is_loose_(is_loose) {}
   // The element of a parser; none when the index is out of range.
   static ElementView Of(const IxoMepParser& parser, std::int32_t index) noexcept;
 
@@ -237,7 +235,7 @@ inline ValueView AttributeView::Value() const noexcept {
 inline std::int32_t BodyView::Count() const noexcept {
   const IxoMepParser* const parser = Parser();
   return parser != nullptr ? parser->GetElemCount()
-                           : static_cast<std::int32_t>(document_->Body(index_).count);
+                           : static_cast<std::int32_t>(document_->CountOf(index_));
 }
 
 inline ElementView BodyView::Enter(std::int32_t index) const {
@@ -245,10 +243,9 @@ inline ElementView BodyView::Enter(std::int32_t index) const {
     parser->SetCurElemIndex(index);
     return ElementView::Of(*parser, index);
   }
-  const BodyRecord& body = document_->Body(index_);
   const auto at = static_cast<std::uint32_t>(index);
-  if (at >= body.count) return {};
-  return {*document_, body.first + at, /*is_loose=*/false};
+  if (at >= document_->CountOf(index_)) return {};
+  return {*document_, document_->Element(document_->Body(index_).first + at), /*is_loose=*/false};
 }
 
 inline void BodyView::LeaveAtLast() const {
@@ -313,25 +310,55 @@ AttributeView ElementView::FindAttr(const Name& name) const noexcept {
 
 }  // namespace ixomep
 
-inline ixomep::ElementView IxoMepParser::ViewAt(std::int32_t index) const noexcept {
-  if (index < 0 || index >= GetElemCount()) return {};
-  const auto at = static_cast<std::size_t>(index);
-  if (!elements_.empty() && elements_[at] != nullptr)
-    return ixomep::ElementView(elements_[at].get());
-  return {*records_, first_record_ + static_cast<std::uint32_t>(index), /*is_loose=*/false};
+// A parser stands in the row of its document behind the slot that names it.
+inline const ixomep::Document& IxoMepParser::BodyDocument() const noexcept {
+  const auto* const slot = reinterpret_cast<const ixomep::BodySlot*>(this);
+  return *(slot - 1 - BodyNumber())->document;
 }
 
-// A current element that is no object is a record, and the loose attributes of a body are the
-// record before its first one.
+inline const ixomep::BodyRecord& IxoMepParser::BodyOfNumber() const noexcept {
+  return BodyDocument().Body(BodyNumber());
+}
+
+inline ixomep::RecordRange IxoMepParser::Records() const noexcept {
+  if (IsBodyNumber()) {
+    const ixomep::Document& document = BodyDocument();
+    const ixomep::BodyRecord& body = document.Body(BodyNumber());
+    return {&document, body.first, document.CountOf(BodyNumber()), body.has_loose != 0};
+  }
+  const ixomep::ParserState& state = State();
+  return {state.records, state.first_record, state.record_count, state.has_loose_record};
+}
+
+inline const ixomep::Document& IxoMepParser::CurrentDocument() const noexcept {
+  return IsBodyNumber() ? BodyDocument() : *State().records;
+}
+
+inline ixomep::ElementView IxoMepParser::ViewAt(std::int32_t index) const noexcept {
+  const auto at = static_cast<std::uint32_t>(index);
+  const ixomep::RecordRange records = Records();
+  if (records.document == nullptr) {
+    const auto& elements = State().elements;
+    return at < elements.size() ? ixomep::ElementView(elements[at].get()) : ixomep::ElementView();
+  }
+  if (at >= records.count) return {};
+  if (IxoMepElement* const made = records.document->MadeElement(records.first + at)) {
+    return ixomep::ElementView(made);
+  }
+  return {*records.document, records.document->Element(records.first + at), /*is_loose=*/false};
+}
+
 inline ixomep::ElementView IxoMepParser::CurrentView() const noexcept {
-  if (current_ != nullptr) return ixomep::ElementView(current_);
-  return {*records_, first_record_ + static_cast<std::uint32_t>(current_index_),
-          /*is_loose=*/current_index_ < 0};
+  if (const ixomep::ElementRecord* const record = CurrentRecord()) {
+    return {CurrentDocument(), *record, /*is_loose=*/GetCurElemIndex() < 0};
+  }
+  return ixomep::ElementView(CurrentObject());
 }
 
 inline const ixomep::ElementRecord* IxoMepParser::CurrentRecord() const noexcept {
-  if (current_ != nullptr) return nullptr;
-  return &records_->Element(first_record_ + static_cast<std::uint32_t>(current_index_));
+  if (!IsBodyNumber()) return State().current_record;
+  const std::uint32_t number = CurrentNumber();
+  return (number & kIsObject) == 0 ? &BodyDocument().Element(number) : nullptr;
 }
 
 inline const ixomep::AttributeRecord* IxoMepParser::CurrentAttribute(
@@ -339,12 +366,13 @@ inline const ixomep::AttributeRecord* IxoMepParser::CurrentAttribute(
   const ixomep::ElementRecord* const element = CurrentRecord();
   const auto at = static_cast<std::uint32_t>(pos);
   if (element == nullptr || at >= element->attribute_count) return nullptr;
-  return &records_->Attribute(element->first_attribute + at);
+  return &CurrentDocument().Attribute(element->first_attribute + at);
 }
 
 inline const ixomep::LiteralRecord* IxoMepParser::NamedLiteral(const String& name) const noexcept {
   const ixomep::ElementRecord* const element = CurrentRecord();
   if (element == nullptr) return nullptr;
-  const std::uint32_t index = records_->FindAttribute(*element, name);
-  return index != ixomep::kNoRecord ? &records_->Attribute(index).literal : nullptr;
+  const ixomep::Document& document = CurrentDocument();
+  const std::uint32_t index = document.FindAttribute(*element, name);
+  return index != ixomep::kNoRecord ? &document.Attribute(index).literal : nullptr;
 }

@@ -34,7 +34,7 @@ void AnnounceEnd() {
 
 void IxoMepParser::SetErrorBoxTitle(const String& title) { BoxTitle() = title; }
 
-void IxoMepParser::ShowErrorBox() const { ShowErrorBox(error_text_, /*fatal=*/false); }
+void IxoMepParser::ShowErrorBox() const { ShowErrorBox(GetErrorText(), /*fatal=*/false); }
 
 void IxoMepParser::ShowErrorBox(const String& text, bool fatal) {
   if (!fatal) {

@@ -24,14 +24,14 @@ String ContextBlock(std::int32_t line, const String& context) {
 
 void IxoMepParser::MakeErrorText(IxoMepErrorEnum code, std::int32_t offset) {
   NoteError(code, offset);
-  error_text_ = IxoMepError::GetErrorText(code);
+  State().error_text = IxoMepError::GetErrorText(code);
   if (code != IMEPERR_NONE) AppendContextInfo(offset);
 }
 
 // Meant: a text of one line gets no line number here.
 void IxoMepParser::AppendContextInfo(std::int32_t offset) {
   const ixomep::TextPlace place = FindPlace(offset);
-  error_text_ += ContextBlock(place.several_lines ? place.line : 0, place.context);
+  State().error_text += ContextBlock(place.several_lines ? place.line : 0, place.context);
 }
 
 // Meant: a text of one line gets its line number here.

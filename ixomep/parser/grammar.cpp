@@ -10,6 +10,7 @@
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/parser/bytes.h"
 #include "ixomep/parser/parser.h"
+#include "ixomep/parser/parser_state.h"
 #include "ixomep/parser/reader.h"
 #include "ixomep/parser/spliced_text.h"
 
@@ -101,7 +102,7 @@ IxoMepErrorEnum Grammar::ReadStatement(std::size_t start, std::size_t end, std::
   std::unique_ptr<IxoMepExpressionParser> expression;
   const IxoMepErrorEnum code = ReadExpressionText(start, end, line, expression);
   if (code != IMEPERR_NONE) {
-    const int number = LeadingNumber(frame.parser->error_text_);
+    const int number = LeadingNumber(frame.parser->State().error_text);
     if (!IsErrorCode(number) || number == code) return code;
     return Fail(static_cast<IxoMepErrorEnum>(number), start);
   }
@@ -109,7 +110,7 @@ IxoMepErrorEnum Grammar::ReadStatement(std::size_t start, std::size_t end, std::
       std::make_unique<IxoMepElement>(Shared(";"), frame.parser, OffsetOf(start), line);
   statement->value_ = MakeValue(expression.get(), true);
   (void)expression.release();
-  frame.parser->elements_.push_back(std::move(statement));
+  frame.parser->State().elements.push_back(std::move(statement));
   frame.line = line;
   PassLines(start, end);
   frame.position = end + 1;
@@ -165,7 +166,7 @@ IxoMepErrorEnum Grammar::ReadElement() {
   frame.at_statement_start = false;
   IxoMepElement* const current = element.get();
   if (frame.bytes[start] == '@') return Execute(std::move(element), start);
-  auto& elements = frame.parser->elements_;
+  auto& elements = frame.parser->State().elements;
   elements.push_back(std::move(element));
   frame.parser->SetCurrent(current, static_cast<std::int32_t>(elements.size()) - 1);
   return IMEPERR_NONE;
@@ -194,12 +195,13 @@ IxoMepErrorEnum Grammar::FailAfterValue(const IxoMepValue& value, std::size_t po
 IxoMepErrorEnum Grammar::ReadElementBody() {
   ReadingFrame& frame = Top();
   const std::size_t open = frame.position;
-  if (!HasCurrent() || frame.parser->current_->body_ != nullptr) {
+  if (!HasCurrent() || frame.parser->State().current->body_ != nullptr) {
     return Fail(IMEPERR_OUTSIDE_ELEMENT, open, {{"%s", "{"}});
   }
   const std::size_t close = frame.extents->MatchingBrace(open, frame.end, open);
   if (close == kNoMatch) return Fail(IMEPERR_CLOSER_EXPECTED, open, {{"%1", "}"}});
-  return ReadBody(open, close, ReadingFrame::Kind::ElementBody, &frame.parser->current_->body_);
+  return ReadBody(open, close, ReadingFrame::Kind::ElementBody,
+                  &frame.parser->State().current->body_);
 }
 
 }  // namespace ixomep

@@ -6,6 +6,7 @@
 #include "ixomep/host/files.h"
 #include "ixomep/parser/bytes.h"
 #include "ixomep/parser/parser.h"
+#include "ixomep/parser/parser_state.h"
 #include "ixomep/parser/reader.h"
 #include "ixomep/parser/spliced_text.h"
 #include "ixomep/values/mep_text.h"
@@ -73,10 +74,10 @@ IxoMepErrorEnum Grammar::Include(std::unique_ptr<IxoMepElement> directive, std::
   IxoMepParser& parser = *Top().parser;
   const String written = directive->value_ != nullptr ? directive->value_->GetStr() : String();
   const String name = Resolved(written, parser.GetCurFilename());
-  const String stack = parser.filename_stack_;
+  const String stack = parser.State().filename_stack;
   String text;
   if (!IsOnStack(stack, name) && DepthOf(stack) < kMaxDepth && includes_ < kMaxIncludes &&
-      ReadFile(name, parser.use_include_cache_, IxoMepParser::m_aIncludeCache, text) &&
+      ReadFile(name, parser.State().use_include_cache, IxoMepParser::m_aIncludeCache, text) &&
       EnterFile(std::move(directive), start, name, text)) {
     return IMEPERR_NONE;
   }
@@ -89,9 +90,10 @@ bool Grammar::EnterFile(std::unique_ptr<IxoMepElement> directive, std::size_t st
                         const String& name, const String& text) {
   const ReadingFrame& outer = Top();
   IxoMepParser& parser = *outer.parser;
-  if (parser.splices_ == nullptr) parser.splices_ = std::make_unique<Splices>(parser.text_);
+  if (parser.State().splices == nullptr)
+    parser.State().splices = std::make_unique<Splices>(parser.State().text);
   const auto removed = static_cast<std::int32_t>(outer.position - start);
-  const std::int32_t rest = parser.splices_->Length() - removed;
+  const std::int32_t rest = parser.State().splices->Length() - removed;
   if (text.Len() > String::kMaxLength - rest) return false;
 
   ReadingFrame frame;
@@ -105,14 +107,14 @@ bool Grammar::EnterFile(std::unique_ptr<IxoMepElement> directive, std::size_t st
   frame.directive_start = start;
   frame.own_extents = std::make_unique<Extents>(frame.bytes);
   frame.extents = frame.own_extents.get();
-  frame.saved_shift = parser.include_shift_ + text.Len() - removed;
+  frame.saved_shift = parser.State().include_shift + text.Len() - removed;
 
   // What may throw comes first; behind it the frame's end undoes what the include changed.
   frames_.reserve(frames_.size() + 1);
-  parser.splices_->Add(frame.base, removed, text, name);
-  parser.length_ += text.Len() - removed;
+  parser.State().splices->Add(frame.base, removed, text, name);
+  parser.State().length += text.Len() - removed;
   parser.PushFilename(name);
-  parser.include_shift_ = 0;
+  parser.State().include_shift = 0;
   parser.SetCurrent(directive.get(), -1);
   frame.directive = std::move(directive);
   frames_.push_back(std::move(frame));
@@ -123,22 +125,23 @@ bool Grammar::EnterFile(std::unique_ptr<IxoMepElement> directive, std::size_t st
 }  // namespace ixomep
 
 void IxoMepParser::PushFilename(const String& name) {
-  filename_stack_ = filename_stack_.IsEmpty() ? name : name + '\n' + filename_stack_;
+  State().filename_stack =
+      State().filename_stack.IsEmpty() ? name : name + '\n' + State().filename_stack;
 }
 
 void IxoMepParser::PopFilename() noexcept {
-  const std::int32_t feed = filename_stack_.Search('\n');
+  const std::int32_t feed = State().filename_stack.Search('\n');
   if (feed == String::kNotFound) {
-    filename_stack_.Clear();
+    State().filename_stack.Clear();
     return;
   }
   try {
-    filename_stack_.Erase(0, feed + 1);
+    State().filename_stack.Erase(0, feed + 1);
   } catch (const std::exception&) {
-    filename_stack_.Clear();
+    State().filename_stack.Clear();
   }
 }
 
 String IxoMepParser::GetCurFilename() const {
-  return filename_stack_.Copy(0, filename_stack_.Search('\n'));
+  return State().filename_stack.Copy(0, State().filename_stack.Search('\n'));
 }

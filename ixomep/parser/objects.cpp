@@ -13,71 +13,100 @@ using ixomep::ValueView;
 
 IxoMepElement* IxoMepParser::ElementAt(std::int32_t index) const noexcept {
   if (index < 0 || index >= GetElemCount()) return nullptr;
-  const auto at = static_cast<std::size_t>(index);
-  if (records_ == nullptr) return elements_[at].get();
-  try {
-    if (elements_.empty()) elements_.resize(record_count_);
-    auto& element = elements_[at];
-    if (element == nullptr) {
-      element = records_->MakeElement(first_record_ + static_cast<std::uint32_t>(index),
-                                      const_cast<IxoMepParser*>(this));
-      if (index == current_index_) current_ = element.get();
-    }
-    return element.get();
-  } catch (const std::exception&) {
-    return nullptr;
-  }
+  const auto at = static_cast<std::uint32_t>(index);
+  const ixomep::RecordRange records = Records();
+  if (records.document == nullptr) return State().elements[at].get();
+  return ObjectOf(records.first + at, /*is_loose=*/false);
 }
 
 IxoMepElement* IxoMepParser::Loose() const noexcept {
-  if (loose_ != nullptr || !has_loose_record_) return loose_.get();
+  const ixomep::RecordRange records = Records();
+  if (records.document == nullptr) return State().loose.get();
+  return records.has_loose ? ObjectOf(records.first - 1, /*is_loose=*/true) : nullptr;
+}
+
+IxoMepElement* IxoMepParser::ObjectOf(std::uint32_t record, bool is_loose) const noexcept {
+  const ixomep::Document& document = *Records().document;
   try {
-    loose_ = records_->MakeLoose(first_record_ - 1, const_cast<IxoMepParser*>(this));
-    if (current_ == nullptr && current_index_ < 0) current_ = loose_.get();
-    return loose_.get();
+    IxoMepElement* const object =
+        document.ElementObject(record, is_loose, const_cast<IxoMepParser*>(this));
+    if (CurrentRecord() == &document.Element(record)) {
+      if (IsBodyNumber()) {
+        PlaceAt(BodyNumber(), record | kIsObject);
+      } else {
+        State().current_record = nullptr;
+      }
+    }
+    return object;
   } catch (const std::exception&) {
     return nullptr;
   }
 }
 
+const IxoMepElement* IxoMepParser::CurrentObject() const noexcept {
+  const ixomep::RecordRange records = Records();
+  if (records.document == nullptr) return State().current;
+  const std::int32_t index = GetCurElemIndex();
+  if (index < 0 && !records.has_loose) return ixomep::EmptyElement();
+  return records.document->MadeElement(records.first + static_cast<std::uint32_t>(index));
+}
+
 IxoMepElement& IxoMepParser::Current() const noexcept {
-  if (current_ != nullptr) return *current_;
-  IxoMepElement* const made = current_index_ >= 0 ? ElementAt(current_index_) : Loose();
+  if (Records().document == nullptr) return *State().current;
+  const std::int32_t index = GetCurElemIndex();
+  IxoMepElement* const made = index >= 0 ? ElementAt(index) : Loose();
   return made != nullptr ? *made : *ixomep::EmptyElement();
 }
 
 void IxoMepParser::MakeAll() {
-  if (records_ == nullptr) return;
+  ixomep::ParserState& state = OwnState();
+  if (state.records == nullptr) return;
   for (std::int32_t i = 0; i < GetElemCount(); ++i) {
     if (ElementAt(i) == nullptr) ixomep::MemoryBudget::Refuse();
   }
-  if (has_loose_record_ && Loose() == nullptr) ixomep::MemoryBudget::Refuse();
+  if (state.has_loose_record && Loose() == nullptr) ixomep::MemoryBudget::Refuse();
+  state.current = &Current();
+  state.elements.resize(state.record_count);
+  for (std::uint32_t i = 0; i < state.record_count; ++i) {
+    state.elements[i] = state.records->TakeObject(state.first_record + i);
+  }
+  if (state.has_loose_record) state.loose = state.records->TakeObject(state.first_record - 1);
   ForgetRecords();
 }
 
 void IxoMepParser::ForgetRecords() noexcept {
-  if (records_ == nullptr) return;
-  if (is_body_) {
-    first_line_ = ixomep::OrNeutral(
-        0, [this] { return records_->LineAt(static_cast<std::uint32_t>(start_)); });
+  ixomep::ParserState& state = State();
+  if (state.records == nullptr) return;
+  if (state.is_body) {
+    state.first_line = ixomep::OrNeutral(
+        0, [&state] { return state.records->LineAt(static_cast<std::uint32_t>(state.start)); });
   }
-  records_ = nullptr;
-  record_count_ = 0;
-  has_loose_record_ = false;
+  const std::uint32_t end = state.first_record + state.record_count;
+  for (std::uint32_t i = state.first_record - (state.has_loose_record ? 1 : 0); i < end; ++i) {
+    state.records->TakeObject(i).reset();
+  }
+  state.records = nullptr;
+  state.record_count = 0;
+  state.has_loose_record = false;
+  state.current_record = nullptr;
 }
 
 // What is to be evaluated becomes an object first, so that it is compiled once.
 
 ValueView IxoMepParser::OwnValue() const noexcept {
-  const ValueView value = CurrentView().Value();
-  return value.IsSource() && vars_ != nullptr ? ValueView(Current().GetValue()) : value;
+  const ixomep::ElementRecord* const record = CurrentRecord();
+  const ValueView value = record != nullptr ? ValueView(CurrentDocument(), record->literal)
+                                            : ValueView(CurrentObject()->GetValue());
+  return value.IsSource() && GetVars() != nullptr ? ValueView(Current().GetValue()) : value;
 }
 
 ValueView IxoMepParser::NamedValue(const String& name) const noexcept {
-  const AttributeView attribute = CurrentView().FindAttr(name);
-  if (!attribute) return {};
-  const ValueView value = attribute.Value();
-  if (!value.IsSource() || vars_ == nullptr) return value;
+  if (const ixomep::LiteralRecord* const literal = NamedLiteral(name)) {
+    const ValueView value(CurrentDocument(), *literal);
+    if (!value.IsSource() || GetVars() == nullptr) return value;
+  } else if (CurrentRecord() != nullptr) {
+    return {};
+  }
   const IxoMepAttribute* const made = Current().FindAttr(name);
   return made != nullptr ? ValueView(made->GetValue()) : ValueView();
 }
@@ -86,7 +115,7 @@ ValueView IxoMepParser::ValueAt(std::int32_t pos) const noexcept {
   const AttributeView attribute = CurrentView().Attr(pos);
   if (!attribute) return {};
   const ValueView value = attribute.Value();
-  if (!value.IsSource() || vars_ == nullptr) return value;
+  if (!value.IsSource() || GetVars() == nullptr) return value;
   const IxoMepAttribute* const made = Current().GetAttr(pos);
   return made != nullptr ? ValueView(made->GetValue()) : ValueView();
 }

@@ -10,7 +10,6 @@
 #include <exception>
 #include <map>
 #include <memory>
-#include <vector>
 
 #include "ixomep/export.h"
 #include "ixomep/host/string.h"
@@ -33,6 +32,8 @@ struct BodyRecord;
 struct ElementRecord;
 struct FoldedLiteral;
 struct LiteralRecord;
+struct ParserState;
+struct RecordRange;
 struct TextPlace;
 }  // namespace ixomep
 
@@ -71,13 +72,14 @@ class IXOMEP_API IxoMepParser {
   const String& GetCompleteText() const;
   // The text of the stretch, as it stands in the complete text, and its length in bytes.
   String GetText() const;
-  std::int32_t GetTextLen() const noexcept { return length_; }
-  const String& GetContext() const noexcept { return context_; }
-  // The scope in which queries evaluate expression values; not owned, null by default.
-  void SetVars(IxoMepValueSet* vars) noexcept { vars_ = vars; }
-  IxoMepValueSet* GetVars() const noexcept { return vars_; }
+  std::int32_t GetTextLen() const noexcept;
+  const String& GetContext() const noexcept;
+  // The scope in which queries evaluate expression values; not owned, null by default. A body
+  // without the memory to remember it goes on without one.
+  void SetVars(IxoMepValueSet* vars) noexcept;
+  IxoMepValueSet* GetVars() const noexcept;
   // Whether files with repository names are read once for all parsers; off by default.
-  void SetUseIncludeCache(bool use) noexcept { use_include_cache_ = use; }
+  void SetUseIncludeCache(bool use) noexcept;
 
   // --- Elements (query.cpp) ------------------------------------------------------------------
   // Index and position arguments out of range give the empty text, 0, false or null.
@@ -184,15 +186,15 @@ class IXOMEP_API IxoMepParser {
 
   // --- Errors (error_report.cpp, error_box.cpp) --------------------------------------------------
   // The last error's text, code and place; empty, 0 and no place after a successful Parse.
-  const String& GetErrorText() const noexcept { return error_text_; }
-  IxoMepErrorEnum GetErrorCode() const noexcept { return error_code_; }
+  const String& GetErrorText() const noexcept;
+  IxoMepErrorEnum GetErrorCode() const noexcept;
   // Offset into GetCompleteText(), -1 for none.
-  std::int32_t GetErrorOffset() const noexcept { return error_offset_; }
+  std::int32_t GetErrorOffset() const noexcept;
   // Line and column from 1 in the file in which the place stands, 0 for none; the name of that
   // file, GetContext() unless it is an included one.
-  std::int32_t GetErrorLine() const noexcept { return error_line_; }
-  std::int32_t GetErrorColumn() const noexcept { return error_column_; }
-  const String& GetErrorContext() const noexcept { return error_context_; }
+  std::int32_t GetErrorLine() const noexcept;
+  std::int32_t GetErrorColumn() const noexcept;
+  const String& GetErrorContext() const noexcept;
   // Appends the context block of the current element to text; the error text stays as it is.
   void MakeErrorText(String& text) const;
   // The line number written in an error text, String::kNotFound when there is none.
@@ -227,8 +229,32 @@ class IXOMEP_API IxoMepParser {
   // that includes have changed.
   IxoMepParser(const IxoMepParser& outer, std::int32_t start, std::int32_t length,
                std::int32_t first_line);
-  // The same for the records of a body; it belongs to the document.
-  IxoMepParser(const ixomep::Document& document, const ixomep::BodyRecord& body) noexcept;
+  // The same for the records of a body; it belongs to their document, in whose row of parsers it
+  // stands. `current` is the record of its current element, kNoRecord for none.
+  IxoMepParser(std::uint32_t body, std::uint32_t current) noexcept { PlaceAt(body, current); }
+
+  // Either the number of a body in records, or a state of its own. A body's number stands beside
+  // that of the record of its current element: with kIsObject where that is an object, which is
+  // part of kNoRecord too.
+  static constexpr std::uint32_t kIsObject = std::uint32_t{1} << 31;
+  bool IsBodyNumber() const noexcept { return (place_ & 1) != 0; }
+  std::uint32_t BodyNumber() const noexcept { return static_cast<std::uint32_t>(place_) >> 1; }
+  std::uint32_t CurrentNumber() const noexcept { return static_cast<std::uint32_t>(place_ >> 32); }
+  void PlaceAt(std::uint32_t body, std::uint32_t current) const noexcept {
+    place_ = std::uint64_t{current} << 32 | std::uint64_t{body} << 1 | 1;
+  }
+  // The document of a body's number (element_view.h).
+  const ixomep::Document& BodyDocument() const noexcept;
+  const ixomep::BodyRecord& BodyOfNumber() const noexcept;
+  // The state; only of a parser that has one.
+  ixomep::ParserState& State() const noexcept {
+    return *reinterpret_cast<ixomep::ParserState*>(static_cast<std::uintptr_t>(place_));
+  }
+  void TakeState(const String& text, std::int32_t start, std::int32_t length,
+                 std::int32_t first_line, const String& context) noexcept;
+  // The state, made where there is none yet; may throw std::bad_alloc.
+  ixomep::ParserState& OwnState() const;
+  ixomep::ParserState* TryOwnState() const noexcept;  // null without the memory for it
   IxoMepErrorEnum Parse(std::int32_t start, std::int32_t length, std::int32_t first_line);
   // Code 38 with its text, or that of a limit of the host, for memory that cannot be had.
   IxoMepErrorEnum NoteNoMemory(const std::exception& cause) noexcept;
@@ -236,12 +262,21 @@ class IXOMEP_API IxoMepParser {
   bool ReadQuickly(std::int32_t start, std::int32_t length, std::int32_t first_line,
                    std::deque<ixomep::FoldedLiteral>& folded);
 
+  // The records this parser answers from; no document when there are none (element_view.h).
+  ixomep::RecordRange Records() const noexcept;
+  const ixomep::Document& CurrentDocument() const noexcept;  // of CurrentRecord
+  // Where the stretch begins in the complete text.
+  std::int32_t StartOffset() const noexcept;
   // The elements as objects (objects.cpp). Null when out of range or without the memory.
   IxoMepElement* ElementAt(std::int32_t index) const noexcept;
+  IxoMepElement* ObjectOf(std::uint32_t record, bool is_loose) const noexcept;
   IxoMepElement* Loose() const noexcept;
   IxoMepElement& Current() const noexcept;
-  // Makes all that are not yet, and forgets the records. May throw std::bad_alloc.
+  // The current element while it is no record.
+  const IxoMepElement* CurrentObject() const noexcept;
+  // Makes all that are not yet, takes them and forgets the records. May throw std::bad_alloc.
   void MakeAll();
+  // Destroys what has been made of the records and was not taken.
   void ForgetRecords() noexcept;
   // An element, made or not; none when out of range.
   ixomep::ElementView ViewAt(std::int32_t index) const noexcept;
@@ -261,7 +296,7 @@ class IXOMEP_API IxoMepParser {
   void PopFilename() noexcept;
   String GetCurFilename() const;
 
-  // Makes text_ the complete text; GetCompleteText without its guard against exceptions.
+  // Makes the text complete; GetCompleteText without its guard against exceptions.
   void Compose() const;
   // A stretch of the complete text, without composing all of it (parser.cpp).
   String CopyText(std::int32_t start, std::int32_t count) const;
@@ -284,6 +319,9 @@ class IXOMEP_API IxoMepParser {
   // the result of its expression; null when missing (query_values.cpp).
   const IxoMepValue* Resolve(const IxoMepValue* stored,
                              std::unique_ptr<IxoMepValue>& evaluated) const;
+  // The same of an expression in a scope.
+  const IxoMepValue* Evaluated(const IxoMepExpressionParser& expression, IxoMepValueSet& vars,
+                               std::unique_ptr<IxoMepValue>& evaluated) const;
   // Stores what convert makes of the resolved value; false, and out unchanged, when it is missing.
   template <class Out, class Convert>
   bool Read(const ixomep::ValueView& stored, Out& out, Convert convert) const;
@@ -300,37 +338,7 @@ class IXOMEP_API IxoMepParser {
   // The texts of files with repository names, for all parsers of the process (include.cpp).
   static std::map<String, String> m_aIncludeCache;
 
-  mutable String text_;  // see Splices for what it holds while includes are not composed
-  std::int32_t start_;
-  std::int32_t length_;
-  std::int32_t first_line_;
-  std::int32_t include_shift_ = 0;  // by how much includes moved the text behind the reader
-  String context_;
-  mutable String error_text_;  // also the sink of evaluations made by queries
-  // The records that the elements were read into, and which of them are this parser's; no document
-  // when all elements are objects. The outermost parser owns the document.
-  std::unique_ptr<ixomep::Document> document_;
-  const ixomep::Document* records_ = nullptr;
-  std::uint32_t first_record_ = 0;
-  std::uint32_t record_count_ = 0;
-  bool has_loose_record_ = false;  // the record before the first one
-  // With records: empty, or null where no object has been asked for.
-  mutable std::vector<std::unique_ptr<IxoMepElement>> elements_;
-  std::int32_t current_index_ = -1;
-  // A shared empty element when none is current; null when it is one that is no object yet.
-  mutable IxoMepElement* current_;
-  IxoMepValueSet* vars_ = nullptr;
-  String filename_stack_;
-  bool use_include_cache_ = false;
-
-  // Beside the text: what stands before the first element of a body, the last error, includes.
-  bool is_body_ = false;
-  mutable std::unique_ptr<IxoMepElement> loose_;
-  IxoMepErrorEnum error_code_ = IMEPERR_NONE;
-  std::int32_t error_offset_ = -1;
-  std::int32_t error_line_ = 0;
-  std::int32_t error_column_ = 0;
-  String error_context_;
-  std::unique_ptr<ixomep::Splices> splices_;  // null while the text is as it was given
-  IxoMepParser* next_doomed_ = nullptr;       // links bodies that wait for their destruction
+  // A body in records: 1, the number of the body (31 bits) and of the record of its current
+  // element. Otherwise the address of the state.
+  mutable std::uint64_t place_;
 };

@@ -6,6 +6,7 @@
 
 #include "ixomep/host/cipher.h"
 #include "ixomep/parser/parser.h"
+#include "ixomep/parser/parser_state.h"
 
 namespace ixomep {
 namespace {
@@ -49,11 +50,12 @@ String UnprotectText(const String& text) {
 }  // namespace ixomep
 
 void IxoMepParser::Init() noexcept {
-  if (!ixomep::IsProtectedText(text_)) return;
+  ixomep::ParserState& state = State();
+  if (!ixomep::IsProtectedText(state.text)) return;
   try {
-    text_ = ixomep::UnprotectText(text_);
+    state.text = ixomep::UnprotectText(state.text);
   } catch (const std::exception&) {
-    text_.Clear();
+    state.text.Clear();
   }
-  length_ = text_.Len();
+  state.length = state.text.Len();
 }

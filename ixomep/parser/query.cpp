@@ -51,16 +51,40 @@ IxoMepExpressionParser* CopyOfExpression(const IxoMepValue* value) noexcept {
 // --- Elements ---------------------------------------------------------------------------------
 
 std::int32_t IxoMepParser::GetElemCount() const noexcept {
-  return records_ != nullptr ? static_cast<std::int32_t>(record_count_)
-                             : static_cast<std::int32_t>(elements_.size());
+  if (IsBodyNumber()) return static_cast<std::int32_t>(BodyDocument().CountOf(BodyNumber()));
+  const ixomep::ParserState& state = State();
+  return static_cast<std::int32_t>(state.records != nullptr ? state.record_count
+                                                            : state.elements.size());
 }
 
-std::int32_t IxoMepParser::GetCurElemIndex() const noexcept { return current_index_; }
+std::int32_t IxoMepParser::GetCurElemIndex() const noexcept {
+  if (!IsBodyNumber()) return State().current_index;
+  if (CurrentNumber() == ixomep::kNoRecord) return -1;
+  // -1 also for the loose attributes, which stand before the first element.
+  return static_cast<std::int32_t>((CurrentNumber() & ~kIsObject) - BodyOfNumber().first);
+}
 
 bool IxoMepParser::SetCurElemIndex(std::int32_t index) {
-  if (index < 0 || index >= GetElemCount()) return false;
-  current_index_ = index;
-  current_ = elements_.empty() ? nullptr : elements_[static_cast<std::size_t>(index)].get();
+  const auto at = static_cast<std::uint32_t>(index);
+  if (IsBodyNumber()) {
+    const ixomep::Document& document = BodyDocument();
+    if (at >= document.CountOf(BodyNumber())) return false;
+    const std::uint32_t record = document.Body(BodyNumber()).first + at;
+    const bool is_object = document.MadeElement(record) != nullptr;
+    PlaceAt(BodyNumber(), is_object ? record | kIsObject : record);
+    return true;
+  }
+  ixomep::ParserState& state = State();
+  if (state.records == nullptr) {
+    if (at >= state.elements.size()) return false;
+    state.current = state.elements[at].get();
+  } else {
+    if (at >= state.record_count) return false;
+    const std::uint32_t record = state.first_record + at;
+    const bool is_record = state.records->MadeElement(record) == nullptr;
+    state.current_record = is_record ? &state.records->Element(record) : nullptr;
+  }
+  state.current_index = index;
   return true;
 }
 
@@ -84,7 +108,7 @@ String IxoMepParser::GetElemText(std::int32_t index) const {
   const ElementView next = ViewAt(index + 1);
   // The elements of a second Parse start again from the front of the text.
   const bool ends_at_next = next && next.StartOffset() > start;
-  const std::int32_t end = ends_at_next ? next.StartOffset() : start_ + length_;
+  const std::int32_t end = ends_at_next ? next.StartOffset() : StartOffset() + GetTextLen();
   return CopyText(start, std::max(end - start, 0));
 }
 
@@ -99,7 +123,7 @@ std::int32_t IxoMepParser::GetAttrCount(std::int32_t index) const {
 
 String IxoMepParser::GetAttrNameOfPos(std::int32_t pos) const {
   if (const AttributeRecord* const record = CurrentAttribute(pos)) {
-    return TextOf(records_->Names(), record->name);
+    return TextOf(CurrentDocument().Names(), record->name);
   }
   return NameOf(CurrentView().Attr(pos));
 }
@@ -112,7 +136,7 @@ String IxoMepParser::GetAttrNameOfPos(std::int32_t index, std::int32_t pos) cons
 String IxoMepParser::GetModifierOfPos(std::int32_t pos) const {
   if (const AttributeRecord* const record = CurrentAttribute(pos)) {
     if (record->modifier == ixomep::NameTable::kNoName) return String();
-    return TextOf(records_->Names(), record->modifier);
+    return TextOf(CurrentDocument().Names(), record->modifier);
   }
   return ModifierOf(CurrentView().Attr(pos));
 }

@@ -75,13 +75,26 @@ const IxoMepValue* IxoMepParser::Resolve(const IxoMepValue* stored,
                                          std::unique_ptr<IxoMepValue>& evaluated) const {
   if (stored == nullptr) return nullptr;
   const IxoMepValue* const value = stored->GetReferencedValue();
-  if (value == nullptr || vars_ == nullptr || value->GetType() != Type::Expression) return value;
+  if (value == nullptr || value->GetType() != Type::Expression) return value;
+  IxoMepValueSet* const vars = GetVars();
   const IxoMepExpressionParser* const expression = value->GetExpr();
-  if (expression == nullptr) return nullptr;
+  if (vars == nullptr) return value;
+  return expression != nullptr ? Evaluated(*expression, *vars, evaluated) : nullptr;
+}
+
+[[gnu::noinline]] const IxoMepValue* IxoMepParser::Evaluated(
+    const IxoMepExpressionParser& expression, IxoMepValueSet& vars,
+    std::unique_ptr<IxoMepValue>& evaluated) const {
   IxoMepValue* result = nullptr;
-  const IxoMepErrorEnum code = expression->Evaluate(vars_, result, error_text_, /*strict=*/false,
-                                                    /*ownScope=*/true);
+  // Only an error is worth a state of its own.
+  String error_text;
+  String& sink = IsBodyNumber() ? error_text : State().error_text;
+  const IxoMepErrorEnum code =
+      expression.Evaluate(&vars, result, sink, /*strict=*/false, /*ownScope=*/true);
   evaluated.reset(result);
+  if (!error_text.IsEmpty()) {
+    if (ixomep::ParserState* const state = TryOwnState()) state->error_text = error_text;
+  }
   if (code != IMEPERR_NONE) return nullptr;
   if (evaluated == nullptr) evaluated = ixomep::MakeValue();
   return evaluated.get();
@@ -105,7 +118,7 @@ bool IxoMepParser::Read(const ixomep::ValueView& stored, Out& out, Convert conve
 
 bool IxoMepParser::FindType(const ixomep::ValueView& stored, Type& type) const {
   const bool is_final = stored.GetType(type) && type != Type::Reference &&
-                        (type != Type::Expression || vars_ == nullptr);
+                        (type != Type::Expression || GetVars() == nullptr);
   if (is_final) return static_cast<bool>(stored);
   type = Type::Undefined;
   return Read(stored, type, &IxoMepValue::GetType);
@@ -119,7 +132,8 @@ Type IxoMepParser::TypeOf(const ixomep::ValueView& stored) const {
 
 bool IxoMepParser::FindLiteralType(const ixomep::LiteralRecord& literal,
                                    Type& type) const noexcept {
-  return ixomep::GetLiteralType(literal, type) && (type != Type::Expression || vars_ == nullptr);
+  return ixomep::GetLiteralType(literal, type) &&
+         (type != Type::Expression || GetVars() == nullptr);
 }
 
 IxoMepValueType IxoMepParser::GetValueType() const {
@@ -159,18 +173,20 @@ IxoMepErrorEnum IxoMepParser::Expect(const ixomep::ValueView& stored, const Stri
   const bool is_there = FindType(stored, found);
   if (is_there ? Fits(type, found) : allow_missing) return IMEPERR_NONE;
 
-  const IxoMepErrorEnum code = ixomep::Guarded(error_text_, [&] {
+  ixomep::ParserState* const state = TryOwnState();
+  if (state == nullptr) return IMEPERR_TOO_DEEP;
+  const IxoMepErrorEnum code = ixomep::Guarded(state->error_text, [&] {
     const String keyword = CurrentView().Keyword();
     const String shown =
         attribute != nullptr ? "\"" + *attribute + "\" (" + keyword + ")" : keyword;
     MakeErrorText(IMEPERR_UNEXPECTED_TYPE, CurrentView().StartOffset());
     // The name comes last: an indexed one may hold any text.
-    ixomep::FillPlaceholder(error_text_, "%type1", IxoMepValue::GetTypeName(type));
-    ixomep::FillPlaceholder(error_text_, "%type2", IxoMepValue::GetTypeName(found));
-    ixomep::FillPlaceholder(error_text_, "%attr", shown);
+    ixomep::FillPlaceholder(state->error_text, "%type1", IxoMepValue::GetTypeName(type));
+    ixomep::FillPlaceholder(state->error_text, "%type2", IxoMepValue::GetTypeName(found));
+    ixomep::FillPlaceholder(state->error_text, "%attr", shown);
     return IMEPERR_UNEXPECTED_TYPE;
   });
-  error_code_ = code;
+  state->error_code = code;
   return code;
 }
 
@@ -188,20 +204,20 @@ std::unique_ptr<IxoMepValue> IxoMepParser::GetMapValue(const String& name) const
 
 bool IxoMepParser::TryGetStrValue(String& value) const {
   const ixomep::ElementRecord* const record = CurrentRecord();
-  if (record != nullptr && TakeText(*records_, record->literal, value)) return true;
+  if (record != nullptr && TakeText(CurrentDocument(), record->literal, value)) return true;
   return Read(OwnValue(), value, &IxoMepValue::GetStr);
 }
 
 bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
   const ixomep::LiteralRecord* const literal = NamedLiteral(name);
-  if (literal != nullptr && TakeText(*records_, *literal, value)) return true;
+  if (literal != nullptr && TakeText(CurrentDocument(), *literal, value)) return true;
   return Read(NamedValue(name), value, &IxoMepValue::GetStr);
 }
 
 String IxoMepParser::GetStrValue() const {
   const ixomep::ElementRecord* const record = CurrentRecord();
   if (record != nullptr && IsText(record->literal)) {
-    return ixomep::OrNeutral(String(), [&] { return TextOf(*records_, record->literal); });
+    return ixomep::OrNeutral(String(), [&] { return TextOf(CurrentDocument(), record->literal); });
   }
   String value;
   TryGetStrValue(value);
@@ -211,7 +227,7 @@ String IxoMepParser::GetStrValue() const {
 String IxoMepParser::GetStrValue(const String& name) const {
   const ixomep::LiteralRecord* const literal = NamedLiteral(name);
   if (literal != nullptr && IsText(*literal)) {
-    return ixomep::OrNeutral(String(), [&] { return TextOf(*records_, *literal); });
+    return ixomep::OrNeutral(String(), [&] { return TextOf(CurrentDocument(), *literal); });
   }
   String value;
   TryGetStrValue(name, value);

@@ -11,6 +11,7 @@
 #include "ixomep/parser/bytes.h"
 #include "ixomep/parser/converter.h"
 #include "ixomep/parser/parser.h"
+#include "ixomep/parser/parser_state.h"
 #include "ixomep/parser/spliced_text.h"
 #include "ixomep/values/error.h"
 
@@ -29,7 +30,7 @@ IxoMepErrorEnum Grammar::Read(IxoMepParser& parser, std::int32_t start, std::int
   ReadingFrame frame;
   frame.parser = &parser;
   parser.Compose();
-  frame.source = parser.text_;
+  frame.source = parser.State().text;
   frame.bytes = frame.source.view();
   frame.position = std::min(static_cast<std::size_t>(start), frame.bytes.size());
   frame.end = std::min(frame.position + static_cast<std::size_t>(length), frame.bytes.size());
@@ -37,7 +38,7 @@ IxoMepErrorEnum Grammar::Read(IxoMepParser& parser, std::int32_t start, std::int
   frame.line = first_line > 0 ? first_line : 1;
   frame.own_extents = std::make_unique<Extents>(frame.bytes);
   frame.extents = frame.own_extents.get();
-  frame.saved_shift = std::exchange(parser.include_shift_, 0);
+  frame.saved_shift = std::exchange(parser.State().include_shift, 0);
   frames_.push_back(std::move(frame));
   return Run();
 }
@@ -60,13 +61,13 @@ IxoMepErrorEnum Grammar::Run() {
 void Grammar::Finish() {
   ReadingFrame& done = Top();
   IxoMepParser& parser = *done.parser;
-  parser.include_shift_ += done.saved_shift;
+  parser.State().include_shift += done.saved_shift;
   if (done.kind == ReadingFrame::Kind::Include) {
     DropInclude();
     frames_.pop_back();
     return;
   }
-  if (!parser.elements_.empty()) parser.SetCurrent(parser.elements_.front().get(), 0);
+  if (!parser.State().elements.empty()) parser.SetCurrent(parser.State().elements.front().get(), 0);
   if (done.kind == ReadingFrame::Kind::Outermost) {
     frames_.pop_back();
     return;
@@ -105,10 +106,10 @@ void Grammar::DropInclude() noexcept {
   parser.PopFilename();
   // Meant: as after every reading the first element becomes current, so that attributes behind
   // an include belong to it.
-  if (parser.elements_.empty()) {
+  if (parser.State().elements.empty()) {
     parser.SetCurrent(nullptr, -1);
   } else {
-    parser.SetCurrent(parser.elements_.front().get(), 0);
+    parser.SetCurrent(parser.State().elements.front().get(), 0);
   }
 }
 
@@ -124,17 +125,18 @@ IxoMepErrorEnum Grammar::ReadBody(std::size_t open, std::size_t close, ReadingFr
     return IMEPERR_NONE;
   }
   outer.Compose();
-  const String text = outer.text_;
+  const String text = outer.State().text;
   BodyPtr body(outer.NewParser(text, start, length, Top().line, outer.GetContext()));
-  if (body == nullptr) return Fail(IMEPERR_TOO_DEEP, open);
-  body->is_body_ = true;
-  body->filename_stack_ = outer.filename_stack_;
-  if (!body->text_.SharesTextWith(text) || body->start_ != start || body->length_ != length) {
+  if (body == nullptr || body->State().is_shared) return Fail(IMEPERR_TOO_DEEP, open);
+  body->State().is_body = true;
+  body->State().filename_stack = outer.State().filename_stack;
+  if (!body->State().text.SharesTextWith(text) || body->State().start != start ||
+      body->State().length != length) {
     return ReadForeignBody(open, close, owner, std::move(body));
   }
-  if (outer.splices_ != nullptr) {
-    body->splices_ = std::make_unique<Splices>(outer);
-    body->splices_->SetComposed();
+  if (outer.State().splices != nullptr) {
+    body->State().splices = std::make_unique<Splices>(outer);
+    body->State().splices->SetComposed();
   }
   EnterBody(open, close, kind, owner, std::move(body));
   return IMEPERR_NONE;
@@ -146,7 +148,7 @@ void Grammar::EnterBody(std::size_t open, std::size_t close, ReadingFrame::Kind 
   ReadingFrame frame;
   frame.kind = kind;
   frame.continues = outer.continues;
-  frame.base = outer.base + outer.parser->include_shift_;
+  frame.base = outer.base + outer.parser->State().include_shift;
   frame.line = outer.line;
   frame.parser = body.get();
   frame.extents = outer.extents;
@@ -180,7 +182,8 @@ IxoMepErrorEnum Grammar::ReadForeignBody(std::size_t open, std::size_t close, Bo
 
 bool Grammar::HasCurrent() const noexcept {
   const IxoMepParser& parser = *frames_.back().parser;
-  return parser.current_->GetParser() != nullptr && parser.current_ != parser.loose_.get();
+  return parser.State().current->GetParser() != nullptr &&
+         parser.State().current != parser.State().loose.get();
 }
 
 // The element that an attribute belongs to; null when there is none. A body may begin with
@@ -188,18 +191,18 @@ bool Grammar::HasCurrent() const noexcept {
 IxoMepElement* Grammar::AttributeOwner() {
   IxoMepParser& parser = *Top().parser;
   if (!HasCurrent()) {
-    if (!parser.is_body_) return nullptr;
-    if (parser.loose_ == nullptr) {
-      parser.loose_ = std::make_unique<IxoMepElement>(String(), &parser, -1, Top().line);
+    if (!parser.State().is_body) return nullptr;
+    if (parser.State().loose == nullptr) {
+      parser.State().loose = std::make_unique<IxoMepElement>(String(), &parser, -1, Top().line);
     }
-    parser.SetCurrent(parser.loose_.get(), -1);
+    parser.SetCurrent(parser.State().loose.get(), -1);
   }
-  return parser.current_;
+  return parser.State().current;
 }
 
 std::int32_t Grammar::OffsetOf(std::size_t position) const noexcept {
   const ReadingFrame& frame = frames_.back();
-  return frame.base + static_cast<std::int32_t>(position) + frame.parser->include_shift_;
+  return frame.base + static_cast<std::int32_t>(position) + frame.parser->State().include_shift;
 }
 
 std::int32_t Grammar::ErrorOffsetOf(std::size_t position) const noexcept {
@@ -243,10 +246,10 @@ ValuePtr Grammar::ReadValue(std::size_t& position, IxoMepErrorEnum& code) {
   }
   code = context.code;
   const bool is_number = !Is(frame.bytes[start], kNestStop);
-  if (code == IMEPERR_NUMBER_OVERFLOW && is_number && frame.parser->splices_ != nullptr) {
+  if (code == IMEPERR_NUMBER_OVERFLOW && is_number && frame.parser->State().splices != nullptr) {
     // The text being read is the complete one, not this file's.
     frame.parser->Compose();
-    Raise(context.error_text, code, {{"%func", frame.parser->text_.view()}});
+    Raise(context.error_text, code, {{"%func", frame.parser->State().text.view()}});
   }
   const bool has_place = context.error_place != LiteralContext::kNoPlace;
   const std::size_t place = has_place ? std::min(context.error_place, position) : start;
@@ -260,7 +263,7 @@ IxoMepErrorEnum Grammar::Fail(IxoMepErrorEnum code, std::size_t position,
   IxoMepParser& parser = *Top().parser;
   parser.MakeErrorText(code, ErrorOffsetOf(position));
   for (const Fill& fill : fills) {
-    FillPlaceholder(parser.error_text_, fill.placeholder, fill.replacement);
+    FillPlaceholder(parser.State().error_text, fill.placeholder, fill.replacement);
   }
   return code;
 }
@@ -269,7 +272,7 @@ IxoMepErrorEnum Grammar::FailWith(IxoMepErrorEnum code, const String& text, std:
                                   std::size_t place) {
   error_position_ = place;
   IxoMepParser& parser = *Top().parser;
-  parser.error_text_ = text;
+  parser.State().error_text = text;
   parser.AppendContextInfo(ErrorOffsetOf(position));
   parser.NoteError(code, ErrorOffsetOf(place));
   return code;

@@ -23,10 +23,7 @@ class RecordArray {
   RecordArray() = default;
   RecordArray(const RecordArray&) = delete;
   RecordArray& operator=(const RecordArray&) = delete;
-  ~RecordArray() {
-    std::free(data_);
-    MemoryBudget::Give(std::size_t{capacity_} * sizeof(Record));
-  }
+  ~RecordArray() { Free(); }
 
   std::uint32_t Size() const noexcept { return size_; }
   bool IsEmpty() const noexcept { return size_ == 0; }
@@ -72,7 +69,11 @@ class RecordArray {
   void Clear() noexcept { size_ = 0; }
   // Gives back the room for more.
   void Trim() {
-    if (size_ != 0 && size_ < capacity_) SetCapacity(size_);
+    if (size_ == 0) {
+      Free();
+    } else if (size_ < capacity_) {
+      SetCapacity(size_);
+    }
   }
 
  private:
@@ -83,6 +84,13 @@ class RecordArray {
     if (needed > kMostRecords) throw std::bad_alloc();
     const std::uint64_t wished = std::max(needed, std::uint64_t{capacity_} + capacity_ / 2 + 8);
     SetCapacity(static_cast<std::uint32_t>(std::min(wished, kMostRecords)));
+  }
+
+  void Free() noexcept {
+    std::free(data_);
+    MemoryBudget::Give(std::size_t{capacity_} * sizeof(Record));
+    data_ = nullptr;
+    capacity_ = 0;
   }
 
   void SetCapacity(std::uint32_t capacity) {

@@ -5,6 +5,7 @@
 
 #include "ixomep/parser/bytes.h"
 #include "ixomep/parser/parser.h"
+#include "ixomep/parser/parser_state.h"
 
 namespace ixomep {
 
@@ -78,7 +79,7 @@ TextPlace SegmentList::Find(std::int32_t offset) const {
 Splices::Splices(const String& original) : original_(original), length_(original.Len()) {}
 
 Splices::Splices(const IxoMepParser& outer)
-    : outer_(outer.splices_.get()), length_(outer.splices_->length_) {
+    : outer_(outer.State().splices.get()), length_(outer.State().splices->length_) {
   outer_count_ = outer_->log_.size();
   // A text without splices of its own is that of the parser around it.
   while (outer_count_ == 0 && outer_->outer_ != nullptr) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -167,6 +168,55 @@ TEST_F(DefinitionFaults, Every_question_is_answered_with_or_without_memory) {
         const bool has_failed = FailingNew::HasFailed();
         parser.SetText(String(kText));
         EXPECT_EQ(parser.Parse(), IMEPERR_NONE) << question.name << ", allocation " << n;
+        return has_failed && !HasFailure();
+      });
+    }
+    std::cout << question.name << ": " << failures << "\n";
+  }
+}
+
+TEST_F(DefinitionFaults, A_parser_that_cannot_be_made_says_so_when_it_parses) {
+  const String text(kText);
+  const String context("test");
+  const std::string expected = ShapeOf(kText);
+  std::optional<IxoMepParser> first, second;
+  {
+    const FailingNew failing(1, FailMode::FromThenOn);
+    EXPECT_NO_THROW(first.emplace(text, context));
+    EXPECT_NO_THROW(second.emplace(text, context));
+  }
+  for (IxoMepParser* const parser : {&*first, &*second}) {
+    EXPECT_EQ(parser->Parse(), IMEPERR_TOO_DEEP);
+    EXPECT_EQ(parser->GetErrorCode(), IMEPERR_TOO_DEEP);
+    EXPECT_FALSE(parser->GetErrorText().IsEmpty());
+    EXPECT_EQ(parser->GetElemCount(), 0);
+    EXPECT_EQ(parser->GetElement(0), nullptr);
+    parser->SetText(text);
+    EXPECT_EQ(parser->Parse(), IMEPERR_NONE);
+    EXPECT_EQ(Shape(*parser), expected);
+  }
+}
+
+TEST_F(DefinitionFaults, Questions_to_bodies_are_answered_with_or_without_memory) {
+  for (const Question& question : Questions()) {
+    int failures = 0;
+    for (const char* const source : {"OUTER { PART 12 }", kText}) {
+      const String text("BODY { " + String(source) + " }");
+      failures += SweepFailures([&](int n, FailMode mode) {
+        host_.error_boxes.clear();
+        IxoMepParser parser{text, String("test")};
+        EXPECT_EQ(parser.Parse(), IMEPERR_NONE);
+        IxoMepParser& body = *parser.GetBodyParser();
+        body.SetVars(&scope_);
+        (void)body.SetCurElemIndex(n % 3);
+        EmptyFreeLists();
+        {
+          const FailingNew failing(n, mode);
+          EXPECT_NO_THROW(question.ask(body)) << question.name << ", allocation " << n;
+        }
+        const bool has_failed = FailingNew::HasFailed();
+        body.SetText(text);
+        EXPECT_EQ(body.Parse(), IMEPERR_NONE) << question.name << ", allocation " << n;
         return has_failed && !HasFailure();
       });
     }
