@@ -154,9 +154,11 @@ String::Rep* String::AnyRepOf(std::string_view text) {
 
 // Most texts are short and find a block that was kept: no call on that way.
 inline String::Rep* String::RepOf(std::string_view text) {
-  const std::size_t bytes = sizeof(Rep) + text.size() + 1;
-  const bool is_short = text.size() > 1 && bytes <= ShortBlocks::kMostBytes;
-  if (!is_short || !ShortBlocks::HasKept(bytes) || !ixomep::MemoryBudget::TakeKnown(bytes)) {
+  constexpr std::size_t kHead = sizeof(Rep) + 1;
+  constexpr std::size_t kMost = std::max(ShortBlocks::kMostBytes, kHead) - kHead;
+  if (text.size() < 2 || text.size() > kMost) return AnyRepOf(text);
+  const std::size_t bytes = text.size() + kHead;
+  if (!ShortBlocks::HasKept(bytes) || !ixomep::MemoryBudget::TakeKnown(bytes)) {
     return AnyRepOf(text);
   }
   const auto length = static_cast<std::int32_t>(text.size());
