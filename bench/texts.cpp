@@ -12,6 +12,7 @@ namespace {
 using ixomep::bench::Counts;
 using ixomep::bench::NamedReader;
 using ixomep::bench::Sample;
+using ixomep::bench::Shape;
 
 constexpr std::int64_t kMegabyte = 1'000'000;
 
@@ -49,5 +50,14 @@ int main(int argc, char** argv) {
   Register("definition  5 MB", small);
   Register("definition 16 MB", middle);
   Register("definition 48 MB", large);
+  // Other shapes, where the texts cannot be foretold as well as those of the model.
+  const Sample varied = ixomep::bench::MakeSample(5 * kMegabyte, Shape::Varied);
+  const Sample lines = ixomep::bench::MakeSample(5 * kMegabyte, Shape::Lines);
+  const Sample flat = ixomep::bench::MakeSample(5 * kMegabyte, Shape::Flat);
+  const Sample nested = ixomep::bench::MakeSample(5 * kMegabyte, Shape::Nested);
+  Register("varied      5 MB", varied);
+  Register("lines       5 MB", lines);
+  Register("flat        5 MB", flat);
+  Register("nested      5 MB", nested);
   benchmark::RunSpecifiedBenchmarks();
 }

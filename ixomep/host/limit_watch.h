@@ -190,6 +190,11 @@ class LongWork {
   void Part() {
     if (--left_ < 0) Ask();
   }
+  // So many of them at once.
+  void Parts(std::int32_t count) {
+    left_ -= count;
+    if (left_ < 0) Ask();
+  }
 
  private:
   static constexpr std::int32_t kParts = 1024;

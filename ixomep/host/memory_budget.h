@@ -23,6 +23,13 @@ class IXOMEP_API MemoryBudget {
     if (!MayTake(bytes)) Refuse();
     in_use_ += bytes;
   }
+  // The same where nothing may be asked or thrown: false, and nothing is counted, also when the
+  // limit is not known yet.
+  static bool TakeKnown(std::size_t bytes) noexcept {
+    if (!Fits(bytes)) return false;
+    in_use_ += bytes;
+    return true;
+  }
   static void Give(std::size_t bytes) noexcept { in_use_ -= bytes; }
   // Throws what says that bytes cannot be had: std::bad_alloc, or a kin of it that names the limit
   // when it is the host's.

@@ -57,30 +57,47 @@ void CopyEnds(char* to, std::string_view from) noexcept {
   std::memcpy(to + from.size() - kBytes, last, kBytes);
 }
 
-// memcpy with a null pointer is undefined even for no bytes. For the few bytes that most texts have
-// the call costs more than the copy.
-void CopyBytes(char* to, std::string_view from) noexcept {
-  if (from.size() >= 8 && from.size() <= 16) {
+// For the few bytes that most texts have a call costs more than the copy. Null with no bytes is
+// not given to memcpy, where it is undefined.
+inline void CopyBytes(char* to, std::string_view from) noexcept {
+  const std::size_t size = from.size();
+  if (size >= 32 && size <= 64) {
+    CopyEnds<32>(to, from);
+  } else if (size >= 16 && size < 32) {
+    CopyEnds<16>(to, from);
+  } else if (size >= 8 && size < 16) {
     CopyEnds<8>(to, from);
-  } else if (from.size() >= 4 && from.size() < 8) {
+  } else if (size >= 4 && size < 8) {
     CopyEnds<4>(to, from);
-  } else if (!from.empty()) {
-    std::memcpy(to, from.data(), from.size());
+  } else if (size != 0) {
+    std::memcpy(to, from.data(), size);
   }
 }
 
 // Short texts come and go with every evaluation. Their blocks are kept for the next ones, a few of
 // each size, which costs a fifth of going to the heap.
 class ShortBlocks {
+  static constexpr std::size_t kStep = 32;
+  static constexpr std::size_t kSizes = ixomep::kWatchedMemory ? 0 : 3;
+
  public:
+  // The most bytes that such a block has.
+  static constexpr std::size_t kMostBytes = kSizes * kStep;
+
+  // Of at most kMostBytes: whether a block was kept, and that block.
+  static bool HasKept(std::size_t bytes) noexcept { return kept_[SizeClass(bytes)] != nullptr; }
+  static void* TakeKept(std::size_t bytes) noexcept {
+    const std::size_t size = SizeClass(bytes);
+    --counts_[size];
+    return std::exchange(kept_[size], kept_[size]->next);
+  }
   // Null when the memory cannot be had.
   static void* New(std::size_t bytes) noexcept {
     if (bytes >= ixomep::LargeBlocks::kFrom) return ixomep::LargeBlocks::New(bytes);
     const std::size_t size = SizeClass(bytes);
     if (size >= kSizes) return ::operator new(bytes, std::nothrow);
     if (kept_[size] == nullptr) return ::operator new((size + 1) * kStep, std::nothrow);
-    --counts_[size];
-    return std::exchange(kept_[size], kept_[size]->next);
+    return TakeKept(bytes);
   }
   static void Delete(void* block, std::size_t bytes) noexcept {
     if (bytes >= ixomep::LargeBlocks::kFrom) return std::free(block);
@@ -94,8 +111,6 @@ class ShortBlocks {
   struct Link {
     Link* next;
   };
-  static constexpr std::size_t kStep = 32;
-  static constexpr std::size_t kSizes = ixomep::kWatchedMemory ? 0 : 3;
   static constexpr std::int32_t kMost = 1024;
 
   static std::size_t SizeClass(std::size_t bytes) noexcept { return (bytes - 1) / kStep; }
@@ -127,12 +142,28 @@ String::Rep* String::NewRep(std::int64_t length, std::int64_t capacity) {
   return rep;
 }
 
-String::Rep* String::RepOf(std::string_view text) {
+String::Rep* String::AnyRepOf(std::string_view text) {
   if (text.empty()) return EmptyRep();
   if (text.size() == 1) return OneByteTexts::Of(text.front());
   if (text.size() > static_cast<std::size_t>(kMaxLength)) throw std::length_error("text too long");
   const auto length = static_cast<std::int64_t>(text.size());
   Rep* rep = NewRep(length, length);
+  CopyBytes(TextOf(rep), text);
+  return rep;
+}
+
+// Most texts are short and find a block that was kept: no call on that way.
+inline String::Rep* String::RepOf(std::string_view text) {
+  constexpr std::size_t kHead = sizeof(Rep) + 1;
+  constexpr std::size_t kMost = std::max(ShortBlocks::kMostBytes, kHead) - kHead;
+  if (text.size() < 2 || text.size() > kMost) return AnyRepOf(text);
+  const std::size_t bytes = text.size() + kHead;
+  if (!ShortBlocks::HasKept(bytes) || !ixomep::MemoryBudget::TakeKnown(bytes)) {
+    return AnyRepOf(text);
+  }
+  const auto length = static_cast<std::int32_t>(text.size());
+  Rep* const rep = new (ShortBlocks::TakeKept(bytes)) Rep{1, length, length};
+  TextOf(rep)[text.size()] = '\0';
   CopyBytes(TextOf(rep), text);
   return rep;
 }

@@ -176,6 +176,7 @@ class IXOMEP_API String {
   static Rep* EmptyRep() noexcept { return &empty_text_.rep; }
   static Rep* NewRep(std::int64_t length, std::int64_t capacity);
   static Rep* RepOf(std::string_view text);
+  static Rep* AnyRepOf(std::string_view text);
   static void Free(Rep* rep) noexcept;
   static void Keep(Rep* rep) noexcept {
     if (rep->owners != kForever) ++rep->owners;

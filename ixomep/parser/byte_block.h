@@ -86,8 +86,71 @@ class WordBlock {
   WordBlock With(char bits) const noexcept {
     return WordBlock(Word{word_ | Eightfold(static_cast<unsigned char>(bits))});
   }
+  friend class WordPair;
 
   std::uint64_t word_;
+};
+
+// What is asked of runs: sixteen bytes, a mask with one bit for each, the first one lowest. This
+// one is made of two words.
+class WordPair {
+ public:
+  static constexpr std::size_t kSize = 16;
+
+  explicit WordPair(const char* bytes) noexcept : low_(bytes), high_(bytes + WordBlock::kSize) {}
+
+  // The bytes that are the same in another block.
+  std::uint32_t Same(const WordPair& other) const noexcept {
+    WordPair differences = *this;
+    differences.low_.word_ ^= other.low_.word_;
+    differences.high_.word_ ^= other.high_.word_;
+    return differences.Of([](const WordBlock& block) { return block.Is('\0'); });
+  }
+  // White space.
+  std::uint32_t White() const noexcept {
+    return Of([](const WordBlock& block) {
+      return block.Between('\t', '\r') | block.IsAny<' ', '\xA0'>();
+    });
+  }
+  // What a keyword, an attribute's name, a number may have behind its first byte.
+  std::uint32_t InKeyword() const noexcept {
+    return Of([](const WordBlock& block) { return block.Between('A', 'Z') | block.Is('_'); });
+  }
+  std::uint32_t InName() const noexcept {
+    return Of([](const WordBlock& block) {
+      const std::uint64_t above = block.word_ & WordBlock::kAll & ~block.Is('\xA0');
+      return block.Between('A', 'Z') | block.Between('a', 'z') | block.Between('0', '9') |
+             block.IsAny<'_', '-'>() | above;
+    });
+  }
+  std::uint32_t Digits() const noexcept {
+    return Of([](const WordBlock& block) { return block.Between('0', '9'); });
+  }
+  // Its digits, point and unit.
+  std::uint32_t InNumber() const noexcept {
+    return Of([](const WordBlock& block) {
+      return block.Between('0', '9') | block.Between('a', 'z') | block.Is('.');
+    });
+  }
+  std::uint32_t LineFeeds() const noexcept {
+    return Of([](const WordBlock& block) { return block.Is('\n'); });
+  }
+  // What ends a string or makes the next byte ordinary.
+  std::uint32_t Quotes() const noexcept {
+    return Of([](const WordBlock& block) { return block.IsAny<'"', '\\'>(); });
+  }
+
+ private:
+  template <class Question>
+  std::uint32_t Of(Question question) const noexcept {
+    return Gathered(question(low_)) | Gathered(question(high_)) << 8;
+  }
+  // The highest bits of the bytes, beside each other.
+  static std::uint32_t Gathered(WordBlock::Mask mask) noexcept {
+    return static_cast<std::uint32_t>(((mask >> 7) * 0x0102040810204080u) >> 56);
+  }
+
+  WordBlock low_, high_;
 };
 
 #if defined(__SSE2__)
@@ -108,11 +171,7 @@ class VectorBlock {
     ((hits = _mm_or_si128(hits, Equal(kBytes))), ...);
     return MaskOf(hits);
   }
-  Mask Between(char first, char last) const noexcept {
-    const __m128i from_first = _mm_sub_epi8(bytes_, _mm_set1_epi8(first));
-    const __m128i length = _mm_set1_epi8(static_cast<char>(last - first));
-    return MaskOf(_mm_cmpeq_epi8(_mm_min_epu8(from_first, length), from_first));
-  }
+  Mask Between(char first, char last) const noexcept { return MaskOf(Range(bytes_, first, last)); }
   template <LikeByte... kLikes>
   Mask IsControlOrForeignOrLike() const noexcept {
     // The highest bit is what counts. As signed numbers, bytes beyond ASCII are below the blank
@@ -125,6 +184,33 @@ class VectorBlock {
     return static_cast<std::size_t>(std::countr_zero(mask));
   }
 
+  // As WordPair's.
+  Mask Same(const VectorBlock& other) const noexcept {
+    return MaskOf(_mm_cmpeq_epi8(bytes_, other.bytes_));
+  }
+  Mask White() const noexcept {
+    const __m128i blanks = _mm_or_si128(Equal(' '), Equal('\xA0'));
+    return MaskOf(_mm_or_si128(blanks, Range(bytes_, '\t', '\r')));
+  }
+  Mask InKeyword() const noexcept {
+    return MaskOf(_mm_or_si128(Equal('_'), Range(bytes_, 'A', 'Z')));
+  }
+  Mask InName() const noexcept {
+    const __m128i letters = Range(_mm_or_si128(bytes_, _mm_set1_epi8(' ')), 'a', 'z');
+    const __m128i others = _mm_or_si128(Equal('_'), Equal('-'));
+    // Among bytes as signed numbers those of 128 and more are the negative ones.
+    const __m128i above = _mm_andnot_si128(Equal('\xA0'), bytes_);
+    return MaskOf(
+        _mm_or_si128(_mm_or_si128(letters, others), _mm_or_si128(Range(bytes_, '0', '9'), above)));
+  }
+  Mask Digits() const noexcept { return Between('0', '9'); }
+  Mask InNumber() const noexcept {
+    const __m128i letters = _mm_or_si128(Range(bytes_, 'a', 'z'), Equal('.'));
+    return MaskOf(_mm_or_si128(letters, Range(bytes_, '0', '9')));
+  }
+  Mask LineFeeds() const noexcept { return Is('\n'); }
+  Mask Quotes() const noexcept { return IsAny<'"', '\\'>(); }
+
  private:
   __m128i Equal(char byte) const noexcept { return _mm_cmpeq_epi8(bytes_, _mm_set1_epi8(byte)); }
   template <LikeByte kLike>
@@ -133,15 +219,22 @@ class VectorBlock {
         kLike.bits != 0 ? _mm_or_si128(bytes_, _mm_set1_epi8(kLike.bits)) : bytes_;
     return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(kLike.byte));
   }
+  static __m128i Range(__m128i bytes, char first, char last) noexcept {
+    const __m128i from_first = _mm_sub_epi8(bytes, _mm_set1_epi8(first));
+    const __m128i length = _mm_set1_epi8(static_cast<char>(last - first));
+    return _mm_cmpeq_epi8(_mm_min_epu8(from_first, length), from_first);
+  }
   static Mask MaskOf(__m128i bytes) noexcept { return static_cast<Mask>(_mm_movemask_epi8(bytes)); }
 
   __m128i bytes_;
 };
 using ByteBlock = VectorBlock;
+using ByteRun = VectorBlock;
 
 #else
 
 using ByteBlock = WordBlock;
+using ByteRun = WordPair;
 
 #endif
 

@@ -110,9 +110,10 @@ struct BodySlot {
 // A value that reading had to make: an expression that was compiled and folded.
 struct MadeValue {
   ValuePtr value;
-  std::uint32_t at;  // of its literal, or of the statement
-  bool is_shared;    // several literals have this text: each gets a copy
-  bool needs_fold;   // not evaluated yet
+  std::uint32_t at;    // of its source
+  std::uint32_t size;  // of its source
+  bool is_shared;      // several literals have this text: each gets a copy
+  bool needs_fold;     // not evaluated yet
 };
 
 class Document {

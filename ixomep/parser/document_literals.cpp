@@ -181,17 +181,33 @@ bool DocumentScanner::ReadExpression(LiteralRecord& literal, std::uint32_t start
 
 bool DocumentScanner::Compile(std::string_view source, std::uint32_t at, bool is_literal,
                               bool is_shared, std::uint32_t& index) {
+  index = static_cast<std::uint32_t>(document_.made_.size());
+  if (is_literal && TakeCompiled(at, source.size(), is_shared)) return true;
   auto expression = std::make_unique<IxoMepExpressionParser>();
   String error_text;
   if (expression->SetExpression(String(source), error_text) != IMEPERR_NONE) return false;
   expression->SetLineNo(static_cast<std::uint32_t>(document_.LineAt(at)));
-  index = static_cast<std::uint32_t>(document_.made_.size());
   MadeValue& made = document_.made_.emplace_back();
   made.at = at;
+  made.size = static_cast<std::uint32_t>(source.size());
   made.is_shared = is_shared;
   made.needs_fold = is_literal && !StartsWithVariable(expression->GetTree());
   made.value = MakeValue(expression.get(), true);
   (void)expression.release();
+  return true;
+}
+
+// Takes what the first scan compiled of the same source, if it did. Both scans go forward, so that
+// what they compile comes in the same order; what the first one took for literals may be in a
+// statement now. Statements are compiled in the second scan only, and nothing is evaluated before
+// the end of a scan that succeeded.
+bool DocumentScanner::TakeCompiled(std::uint32_t at, std::size_t size, bool is_shared) {
+  while (next_compiled_ < compiled_.size() && compiled_[next_compiled_].at < at) ++next_compiled_;
+  if (next_compiled_ == compiled_.size()) return false;
+  MadeValue& compiled = compiled_[next_compiled_];
+  if (compiled.at != at || compiled.size != size || compiled.is_shared != is_shared) return false;
+  document_.made_.push_back(std::move(compiled));
+  ++next_compiled_;
   return true;
 }
 

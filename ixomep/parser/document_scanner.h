@@ -4,6 +4,7 @@
 // errors are the Grammar's alone. Bodies nest on a list of its own, not on the native stack.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -47,27 +48,45 @@ class DocumentScanner {
  private:
   // A stretch that is being read: the outermost one or a body.
   struct Frame {
-    std::uint32_t start = 0;          // of a body
-    std::uint32_t elements = 0;       // where its elements begin in pending_elements_
-    std::uint32_t attributes = 0;     // where its owner's begin in pending_attributes_
-    std::uint32_t owner = kNoRecord;  // the element in pending_elements_ that attributes belong to
-    std::uint32_t holder = 0;         // the attribute whose body is being read
+    std::uint32_t start = 0;           // of a body
+    std::uint32_t elements = 0;        // where its elements begin in pending_elements_
+    std::uint32_t attributes = 0;      // where its owner's begin, and
+    std::uint32_t attributes_end = 0;  // where they ended when a body was opened
+    std::uint32_t owner = kNoRecord;   // the element in pending_elements_ that attributes belong to
+    std::uint32_t holder = 0;          // the attribute whose body is being read
     bool has_loose = false;
     bool has_element = false;
     bool is_attribute = false;  // an attribute's body
+    // The owner's attributes are the last ones of the document, as they mostly are, or others came
+    // behind them (split), and when the owner gets more of them, they all wait until there are no
+    // further ones (pending).
+    bool is_split = false;
+    bool is_pending = false;
   };
 
   enum class Form : std::uint8_t { None, Option, Attribute, Element, BareElement };
-  // What followed an item when it was met last.
-  struct Follower {
-    std::uint32_t at;   // of the white space before it
-    std::uint8_t size;  // up to its value, where it has one
-    std::uint8_t gap;   // of the white space
+  // What an item is, up to its value.
+  struct Head {
+    std::uint8_t size;  // up to the value, where it has one
+    std::uint8_t gap;   // of the white space before it
     Form form;
     bool starts_line;
     std::uint32_t name;
     std::uint32_t modifier;
   };
+  // What followed an item when it was met last. Before that: no item, and as many bytes as seldom
+  // repeat.
+  struct Follower {
+    std::uint32_t at = 0;  // of the white space before it
+    Head head = {kMostHead, 0, Form::None, false, NameTable::kNoName, NameTable::kNoName};
+  };
+  // How many bytes of an item up to its value are compared with those of another one.
+  static constexpr std::uint8_t kMostHead = 2 * ByteRun::kSize;
+  // How many bytes an item may have up to the middle of its value and what is read at once there.
+  static constexpr std::ptrdiff_t kRunRoom = 128;
+  // How many bytes are looked at together for the end of a string: most strings are shorter, and
+  // a processor guesses wrong in a loop that ends after one round or after two.
+  static constexpr std::ptrdiff_t kBlockRoom = 32;
   // Items by what they are known for: a brace, or the name with a number.
   static constexpr std::uint32_t kAfterCloser = 0;
   static constexpr std::uint32_t kAfterOpener = 1;
@@ -75,8 +94,10 @@ class DocumentScanner {
 
   bool Scan();
   bool ScanWithStatements();
-  void ReadFollowers();
-  bool MayFollow(const Follower& follower) const noexcept;
+  bool ReadRun();
+  Item FindHead(const char* at, Head& head) const noexcept;
+  bool FindModifier(const char*& end, Head& head) const noexcept;
+  bool AddPlainElement(const Head& head, const char*& at);
   void Learn(Form form, const char* end, std::uint32_t name, std::uint32_t modifier);
   void AddElement(const ElementRecord& element);
   bool ReadElement();
@@ -95,6 +116,7 @@ class DocumentScanner {
   bool ReadPlainLiteral(const char*& at, LiteralRecord& literal) const noexcept;
   bool ReadExpression(LiteralRecord& literal, std::uint32_t start);
   bool AddLoose();
+  AttributeRecord& AddAttribute(const AttributeRecord& attribute);
   bool TryStatement(bool& done);
   bool OpenBody(bool is_attribute);
   bool CloseBody();
@@ -102,16 +124,26 @@ class DocumentScanner {
   bool ReadRest();
 
   void FinishElement();
+  // The attributes of the owner, if there is one, end there.
+  void SetAttributes(std::uint32_t end) noexcept {
+    if (frame_.owner == kNoRecord) return;
+    ElementRecord& owner = pending_elements_[frame_.owner];
+    owner.first_attribute = frame_.attributes;
+    owner.attribute_count = end - frame_.attributes;
+    frame_.attributes = document_.attributes_.Size();
+  }
   bool MayStartStatement();
   bool IsAtStatementStart() const noexcept;
   // Whether a statement stands at the position; end is its ";", kNoRecord for none.
   bool FindStatement(std::uint32_t& end);
   // The first quote or backslash from a position on; the end of the text when there is none.
   const char* FindQuote(const char* at) const noexcept {
-    for (; at < block_end_; at += ByteBlock::kSize) {
-      const ByteBlock block(at);
-      const ByteBlock::Mask hits = block.IsAny<'"', '\\'>();
-      if (hits != 0) return at + ByteBlock::First(hits);
+    for (; at < block_end_; at += kBlockRoom) {
+      std::uint64_t hits = 0;
+      for (std::ptrdiff_t i = 0; i < kBlockRoom; i += std::ptrdiff_t{ByteRun::kSize}) {
+        hits |= std::uint64_t{ByteRun(at + i).Quotes()} << i;
+      }
+      if (hits != 0) return at + std::countr_zero(hits);
     }
     while (at != end_ && *at != '"' && *at != '\\') ++at;
     return at;
@@ -125,6 +157,7 @@ class DocumentScanner {
   bool BracketEnd(const char*& end, bool& is_simple);
   bool Compile(std::string_view source, std::uint32_t at, bool is_literal, bool is_shared,
                std::uint32_t& index);
+  bool TakeCompiled(std::uint32_t at, std::size_t size, bool is_shared);
   bool Fold(FoldedLiterals& folded);
 
   std::uint32_t OffsetOf(const char* position) const noexcept {
@@ -135,18 +168,24 @@ class DocumentScanner {
   const char* text_;
   const char* at_;
   const char* end_;        // a zero byte stands there
-  const char* block_end_;  // before it a block may be read at once
+  const char* block_end_;  // before it kBlockRoom bytes may be read at once
+  const char* run_end_;    // before it an item may be read without a look at where the text ends
   Frame frame_;
   std::vector<Frame> outer_;
   RecordArray<ElementRecord> pending_elements_;
   RecordArray<AttributeRecord> pending_attributes_;
+  RecordArray<AttributeRecord>* attributes_;  // where those of the owner are added
   // Sources of simple expressions, each with the index of its value.
   std::unique_ptr<NameTable> sources_;
   std::vector<std::uint32_t> made_of_source_;
+  // What the first scan compiled, for the second one, and how far that one is.
+  std::vector<MadeValue> compiled_;
+  std::size_t next_compiled_ = 0;
   std::vector<char> brackets_;
   LongWork work_;
 
   RecordArray<Follower> followers_;  // by the item before
+  std::int32_t credit_ = 0;          // of guesses at what follows
   std::uint32_t last_ = kAfterCloser;
   const char* item_ = nullptr;  // the white space before the item that is being read
 

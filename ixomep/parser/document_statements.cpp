@@ -1,6 +1,7 @@
 // The quick reading: comments, and the search for statements, which may stand wherever an attribute
 // may. See document_scanner.h.
 #include <cstring>
+#include <utility>
 
 #include "ixomep/parser/byte_kinds.h"
 #include "ixomep/parser/bytes.h"
@@ -9,13 +10,15 @@
 namespace ixomep {
 
 // Statements are rare, and to look for one wherever one may start takes time: the first scan knows
-// none and fails at the first ";" that is in no string or comment. This is the second one.
+// none and fails at the first ";" that is in no string or comment. This is the second one. What the
+// first one compiled it takes over.
 bool DocumentScanner::ScanWithStatements() {
   at_ = text_ + document_.start_;
   if (std::memchr(at_, ';', static_cast<std::size_t>(end_ - at_)) == nullptr) return false;
   document_.elements_.Clear();
   document_.attributes_.Clear();
   document_.bodies_.Clear();
+  compiled_ = std::move(document_.made_);
   document_.made_.clear();
   pending_elements_.Clear();
   pending_attributes_.Clear();
@@ -23,7 +26,9 @@ bool DocumentScanner::ScanWithStatements() {
   made_of_source_.clear();
   frame_ = Frame();
   outer_.clear();
+  attributes_ = &document_.attributes_;
   followers_.Clear();
+  credit_ = 0;
   last_ = kAfterCloser;
   is_fresh_ = true;
   next_semicolon_ = text_;

@@ -59,6 +59,10 @@ class NameTable {
   }
 
   std::uint32_t Count() const noexcept { return entries_.Size(); }
+  // Whether a name of at most sixteen bytes has any of 128 and more.
+  bool HasBytesAbove(std::uint32_t number) const noexcept {
+    return ((entries_[number].head | entries_[number].tail) & Eightfold(0x80)) != 0;
+  }
   std::string_view View(std::uint32_t number) const noexcept {
     return {text_ + entries_[number].at, entries_[number].size};
   }

@@ -286,6 +286,12 @@ class IXOMEP_API IxoMepParser {
   const ixomep::ElementRecord* CurrentRecord() const noexcept;
   const ixomep::AttributeRecord* CurrentAttribute(std::int32_t pos) const noexcept;
   const ixomep::LiteralRecord* NamedLiteral(const String& name) const noexcept;
+  // The answers for elements that are objects, and for what a record alone does not tell. Kept out
+  // of the queries, which are short without them (query.cpp, query_values.cpp).
+  String NameAt(std::int32_t pos) const noexcept;
+  String ModifierAt(std::int32_t pos) const noexcept;
+  IxoMepValueType TypeAt(std::int32_t pos) const;
+  String StrValueOf(const String* name) const;  // null: the own value
   // The stored value of the current element, of its attribute with the name or at the position.
   ixomep::ValueView OwnValue() const noexcept;
   ixomep::ValueView NamedValue(const String& name) const noexcept;

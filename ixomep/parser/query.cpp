@@ -22,10 +22,15 @@ String ModifierOf(const AttributeView& attribute) noexcept {
   return OrNeutral(String(), [&] { return attribute ? attribute.Modifier() : String(); });
 }
 
-// The text of a name in records, mostly made before.
-String TextOf(const ixomep::NameTable& names, std::uint32_t number) noexcept {
-  if (const String* const text = names.KnownText(number)) return *text;
+[[gnu::noinline]] String MadeText(const ixomep::NameTable& names, std::uint32_t number) noexcept {
   return OrNeutral(String(), [&] { return names.Text(number); });
+}
+
+// The text of a name in records, mostly made before.
+inline String TextOf(const ixomep::NameTable& names, std::uint32_t number) noexcept {
+  if (const String* const text = names.KnownText(number)) [[likely]]
+    return *text;
+  return MadeText(names, number);
 }
 
 template <class View>
@@ -125,6 +130,10 @@ String IxoMepParser::GetAttrNameOfPos(std::int32_t pos) const {
   if (const AttributeRecord* const record = CurrentAttribute(pos)) {
     return TextOf(CurrentDocument().Names(), record->name);
   }
+  return NameAt(pos);
+}
+
+[[gnu::noinline]] String IxoMepParser::NameAt(std::int32_t pos) const noexcept {
   return NameOf(CurrentView().Attr(pos));
 }
 
@@ -138,6 +147,10 @@ String IxoMepParser::GetModifierOfPos(std::int32_t pos) const {
     if (record->modifier == ixomep::NameTable::kNoName) return String();
     return TextOf(CurrentDocument().Names(), record->modifier);
   }
+  return ModifierAt(pos);
+}
+
+[[gnu::noinline]] String IxoMepParser::ModifierAt(std::int32_t pos) const noexcept {
   return ModifierOf(CurrentView().Attr(pos));
 }
 

@@ -51,8 +51,16 @@ bool IsText(const ixomep::LiteralRecord& literal) noexcept {
 
 // The text of a string goes straight from the definition text into the result.
 String TextOf(const ixomep::Document& document, const ixomep::LiteralRecord& literal) {
-  const std::string_view source = document.Text().view().substr(literal.at, literal.size);
+  const std::string_view source(document.Text().c_str() + literal.at, literal.size);
   return literal.Kind() == ixomep::LiteralKind::String ? String(source) : ixomep::Unescape(source);
+}
+
+String TextOrNone(const ixomep::Document& document, const ixomep::LiteralRecord& literal) noexcept {
+  try {
+    return TextOf(document, literal);
+  } catch (const std::exception&) {
+    return String();
+  }
 }
 
 bool TakeText(const ixomep::Document& document, const ixomep::LiteralRecord& literal,
@@ -151,6 +159,10 @@ IxoMepValueType IxoMepParser::GetValueTypeOfPos(std::int32_t pos) const {
   const ixomep::AttributeRecord* const record = CurrentAttribute(pos);
   Type type = Type::Undefined;
   if (record != nullptr && FindLiteralType(record->literal, type)) return type;
+  return TypeAt(pos);
+}
+
+[[gnu::noinline]] IxoMepValueType IxoMepParser::TypeAt(std::int32_t pos) const {
   return TypeOf(ValueAt(pos));
 }
 
@@ -217,20 +229,24 @@ bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
 String IxoMepParser::GetStrValue() const {
   const ixomep::ElementRecord* const record = CurrentRecord();
   if (record != nullptr && IsText(record->literal)) {
-    return ixomep::OrNeutral(String(), [&] { return TextOf(CurrentDocument(), record->literal); });
+    return TextOrNone(CurrentDocument(), record->literal);
   }
-  String value;
-  TryGetStrValue(value);
-  return value;
+  return StrValueOf(nullptr);
 }
 
 String IxoMepParser::GetStrValue(const String& name) const {
   const ixomep::LiteralRecord* const literal = NamedLiteral(name);
-  if (literal != nullptr && IsText(*literal)) {
-    return ixomep::OrNeutral(String(), [&] { return TextOf(CurrentDocument(), *literal); });
-  }
+  if (literal != nullptr && IsText(*literal)) return TextOrNone(CurrentDocument(), *literal);
+  return StrValueOf(&name);
+}
+
+[[gnu::noinline]] String IxoMepParser::StrValueOf(const String* name) const {
   String value;
-  TryGetStrValue(name, value);
+  if (name != nullptr) {
+    TryGetStrValue(*name, value);
+  } else {
+    TryGetStrValue(value);
+  }
   return value;
 }
 

@@ -46,6 +46,11 @@ class RecordArray {
     return data_[size_];
   }
   void PushNext() noexcept { ++size_; }
+  // The same for many records: behind the last one, the end of the room for more, and the end of
+  // what was written there.
+  Record* End() noexcept { return data_ + size_; }
+  const Record* RoomEnd() const noexcept { return data_ + capacity_; }
+  void SetEnd(const Record* end) noexcept { size_ = static_cast<std::uint32_t>(end - data_); }
   // Appends what stands from an index on in another array, and cuts that array there.
   void TakeTail(RecordArray& other, std::uint32_t from) {
     const std::uint32_t count = other.size_ - from;

@@ -6,6 +6,9 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+
+#include "ixomep/parser/byte_kinds.h"
 
 namespace ixomep::test {
 namespace {
@@ -59,6 +62,54 @@ TYPED_TEST(ByteBlockTest, All_bytes_together_are_all) {
   EXPECT_EQ(TypeParam(bytes.data()).Is('5'), TypeParam::kAll);
   EXPECT_EQ(TypeParam(bytes.data()).Between('0', '9'), TypeParam::kAll);
   EXPECT_EQ(TypeParam(bytes.data()).Is('6'), 0U);
+}
+
+// --- Runs ---------------------------------------------------------------------------------------
+
+template <class Run>
+class ByteRunTest : public ::testing::Test {};
+
+using Runs = ::testing::Types<WordPair, ByteRun>;
+TYPED_TEST_SUITE(ByteRunTest, Runs);
+
+TYPED_TEST(ByteRunTest, Knows_every_byte_at_every_place) {
+  for (const char around : {'a', ' ', '\xE4', '\0'}) {
+    for (std::size_t place = 0; place < TypeParam::kSize; ++place) {
+      for (int byte = 0; byte < 256; ++byte) {
+        std::array<char, 16> bytes{};
+        bytes.fill(around);
+        bytes[place] = static_cast<char>(byte);
+        const TypeParam run(bytes.data());
+        const auto check = [&bytes](std::uint32_t mask, auto belongs) {
+          for (std::size_t i = 0; i < bytes.size(); ++i) {
+            ASSERT_EQ((mask >> i & 1) != 0, belongs(bytes[i])) << i << ' ' << int{bytes[i]};
+          }
+          ASSERT_EQ(mask >> bytes.size(), 0U);
+        };
+        check(run.White(), [](char b) { return IsQuick(b, kQuickWhite); });
+        check(run.InKeyword(), [](char b) { return IsQuick(b, kQuickKeyword); });
+        check(run.InName(), [](char b) { return IsQuick(b, kQuickName); });
+        check(run.Digits(), [](char b) { return IsQuick(b, kQuickDigit); });
+        check(run.InNumber(),
+              [](char b) { return IsQuick(b, kQuickDigit | kQuickLower) || b == '.'; });
+        check(run.LineFeeds(), [](char b) { return b == '\n'; });
+        check(run.Quotes(), [](char b) { return b == '"' || b == '\\'; });
+      }
+    }
+  }
+}
+
+TYPED_TEST(ByteRunTest, Finds_the_bytes_that_another_one_has_too) {
+  std::array<char, 16> bytes{};
+  bytes.fill('\x80');
+  EXPECT_EQ(TypeParam(bytes.data()).Same(TypeParam(bytes.data())), 0xFFFFU);
+  for (std::size_t place = 0; place < bytes.size(); ++place) {
+    for (const char byte : {'\0', '\x7F', '\x81'}) {
+      std::array<char, 16> others = bytes;
+      others[place] = byte;
+      EXPECT_EQ(TypeParam(bytes.data()).Same(TypeParam(others.data())), 0xFFFFU ^ 1U << place);
+    }
+  }
 }
 
 TEST(ByteBlock, Words_have_the_first_byte_lowest) {
