@@ -80,7 +80,10 @@ inline IxoMepErrorEnum EvaluateParam(const IxoMepExprNode& call, const IxoMepExp
                                      IxoMepValue*& result, String& text, bool strict) {
   if (cell != nullptr && cell->GetType() != Kind::Constant) {
     const IxoMepExprNode* const param = NodeAccess::Left(*cell);
-    if (param != nullptr) return param->Evaluate(parser, scope, result, text, strict);
+    if (param != nullptr) {
+      if (StoreNumber(*param, scope, result)) return IMEPERR_NONE;
+      return RunAny(*param, parser, scope, result, text, strict);
+    }
   }
   FailResult(result, scope);
   return IxoMepError::MakeFunctionError(text, IMEPERR_WRONG_ARGUMENT_COUNT, &call);

@@ -79,7 +79,12 @@ struct NameRef {
 
   const char* name = nullptr;
   std::uint32_t bucket = 0;
-  std::uint64_t bit = 0;  // one of 64, for the mask of names that wait for their scopes
+  // Three of 64, for the mask of names that wait for their scopes: that a name seems to be among a
+  // few others though it is none of them costs a search of all levels, and happens once in
+  // hundreds.
+  std::uint64_t bits = 0;
+
+  bool MayBeAmong(std::uint64_t mask) const noexcept { return (mask & bits) == bits; }
 
   // What the last long search for the name gave: good for that scope until variables come or go.
   struct Found {
@@ -115,6 +120,11 @@ class Run {
   }
   // Was that found out, and the answer yes?
   bool HasHadPlainParser() const noexcept { return calls_ == Calls::OfLambdas; }
+  // Does a host answer calls, of a class that was met before? One comparison; false otherwise.
+  bool HasKnownHost() const noexcept {
+    return frame_ != nullptr && frame_->parser != nullptr &&
+           &typeid(*frame_->parser) == other_parser_;
+  }
   std::int32_t EntryDepth() const noexcept { return entry_depth_; }
   // The program of the lambda that was called; an empty one at a root.
   const Program& Lambda() const noexcept { return *lambda_; }
@@ -144,11 +154,11 @@ class Run {
   }
   // The same where one comparison finds it, else null.
   const IxoMepValue* FindAtOnce(const NameRef& ref) const noexcept {
-    return (waiting_ & ref.bit) == 0 ? lookup_->FindInline(ref.bucket, ref.name) : nullptr;
+    return !ref.MayBeAmong(waiting_) ? lookup_->FindInline(ref.bucket, ref.name) : nullptr;
   }
   // The same as Find for a name that is likely to stand in some outer scope.
   const IxoMepValue* FindAgain(const NameRef& ref) const noexcept {
-    const bool is_known = (waiting_ & ref.bit) == 0 && ref.found.scope == lookup_ &&
+    const bool is_known = !ref.MayBeAmong(waiting_) && ref.found.scope == lookup_ &&
                           ref.found.changes == IxoMepValueSet::Changes();
     return is_known ? ref.found.value : FindFarther(ref);
   }

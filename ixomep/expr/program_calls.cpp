@@ -150,8 +150,8 @@ template <std::size_t kArguments, bool kIsStep>
 
 template <std::size_t kArguments, bool kIsStep>
 Reg RunCall(const Op& op, Run& run) {
-  return run.HasHadPlainParser() ? RunCallOfLambda<kArguments, kIsStep>(op, run)
-                                 : RunCallOfEither<kArguments, kIsStep>(op, run);
+  if (run.HasHadPlainParser()) return RunCallOfLambda<kArguments, kIsStep>(op, run);
+  return run.HasKnownHost() ? CallHost(op, run) : RunCallOfEither<kArguments, kIsStep>(op, run);
 }
 
 }  // namespace
@@ -202,7 +202,7 @@ const IxoMepValue* Run::FindArgument(const char* name) const noexcept {
 }
 
 const IxoMepValue* Run::FindFarther(const NameRef& ref) const noexcept {
-  if ((waiting_ & ref.bit) != 0) {
+  if (ref.MayBeAmong(waiting_)) {
     if (const IxoMepValue* const found = FindArgument(ref.name)) return found;
   }
   NameRef::Found& found = ref.found;

@@ -396,17 +396,22 @@ bool ReadParameters(const IxoMepExprNode& lambda, Program& program) {
       if (program.parameters[i].name == parameter.name) return false;
     }
     program.parameters[program.parameter_count++] = parameter;
-    program.parameter_bits |= parameter.bit;
+    program.parameter_bits |= parameter.bits;
   }
   return true;
+}
+
+// Names stand close to each other: the product spreads them.
+std::uint64_t BitsOf(const char* name) noexcept {
+  const std::uint64_t hash = reinterpret_cast<std::uintptr_t>(name) * 0x9E3779B97F4A7C15;
+  return std::uint64_t{1} << (hash >> 58) | std::uint64_t{1} << (hash >> 52 & 63) |
+         std::uint64_t{1} << (hash >> 46 & 63);
 }
 
 }  // namespace
 
 NameRef::NameRef(const char* interned) noexcept
-    : name(interned),
-      bucket(IxoMepValueSet::IndexOf(interned)),
-      bit(std::uint64_t{1} << ((reinterpret_cast<std::uintptr_t>(interned) >> 4) % 64)) {}
+    : name(interned), bucket(IxoMepValueSet::IndexOf(interned)), bits(BitsOf(interned)) {}
 
 std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node) {
   auto program = std::make_unique<Program>();
