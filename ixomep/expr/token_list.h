@@ -150,10 +150,10 @@ class TokenList {
   }
 
   TokenSource& source_;
-  Token* front_ = tokens_.data();
-  Token* last_ = tokens_.data();  // behind the last token: one that is none
   std::int32_t end_;
   std::array<Token, kBatch + 1> tokens_;
+  Token* front_ = tokens_.data();
+  Token* last_ = tokens_.data();  // behind the last token: one that is none
 };
 
 }  // namespace ixomep
