@@ -1,6 +1,7 @@
 // Reading a value: typed accessors, which give neutral answers to the wrong type, references, and
 // the addresses of slots that hosts may write through.
 #include <array>
+#include <exception>
 
 #include "ixomep/values/units.h"
 #include "ixomep/values/value.h"

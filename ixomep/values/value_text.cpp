@@ -1,5 +1,6 @@
 // The text form of a value. Arrays, maps and objects are written with a stack of their own, so
 // that values of any depth have a text, in time linear in its length.
+#include <exception>
 #include <utility>
 #include <variant>
 #include <vector>

@@ -8,6 +8,7 @@
 #include "ixomep/parser/converter.h"
 #include "ixomep/parser/document_scanner.h"
 #include "ixomep/parser/element_view.h"
+#include "tests/parser/plain_reading.h"
 #include "tests/support/plain_xml.h"
 #include "tests/support/random_definitions.h"
 #include "tests/support/test_host.h"
@@ -16,21 +17,6 @@ namespace ixomep::test {
 namespace {
 
 std::string Bytes(const String& text) { return std::string(text.view()); }
-
-class PlainReading {
- public:
-  PlainReading() { QuickReading::Use(false); }
-  ~PlainReading() { QuickReading::Use(true); }
-};
-
-// Random numbers that repeat.
-class CountingHost : public TestHost {
- public:
-  std::int32_t RandomFifteenBits() override { return ++calls_; }
-
- private:
-  std::int32_t calls_ = 0;
-};
 
 // What was asked for before the conversion.
 enum class Asked { Nothing, SomeElements, SomeBodies, Everything };

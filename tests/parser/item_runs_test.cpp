@@ -9,25 +9,13 @@
 #include "ixomep/parser/document_scanner.h"
 #include "ixomep/parser/element_view.h"
 #include "ixomep/parser/parser.h"
+#include "tests/parser/plain_reading.h"
 #include "tests/support/definitions.h"
 #include "tests/support/random_definitions.h"
 #include "tests/support/test_host.h"
 
 namespace ixomep::test {
 namespace {
-
-// Random numbers that count.
-class CountingHost : public TestHost {
- public:
-  std::int32_t RandomFifteenBits() override { return ++calls; }
-  std::int32_t calls = 0;
-};
-
-class PlainReading {
- public:
-  PlainReading() { QuickReading::Use(false); }
-  ~PlainReading() { QuickReading::Use(true); }
-};
 
 std::string Report(const std::string& text) {
   const CountingHost host;
