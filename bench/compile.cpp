@@ -65,8 +65,7 @@ void CompileAll(benchmark::State& state, const NamedEngine& named) {
   }
 }
 
-// --- Long texts
-// -----------------------------------------------------------------------------------
+// --- Long texts ---------------------------------------------------------------------------------
 
 // A text of one shape: `head`, then `joint` between pieces, the first of number 0, then `tail`.
 struct Shape {
