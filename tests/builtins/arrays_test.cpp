@@ -337,8 +337,7 @@ TEST(ASInsert, Values_without_an_order_are_reported_and_inserted_all_the_same) {
   EXPECT_FALSE(host.assertions.empty());
 }
 
-// --- What arguments and hosts do to the array meanwhile
-// -------------------------------------------
+// --- What arguments and hosts do to the array meanwhile ------------------------------------------
 
 TEST(ArrayEditors, Path_that_an_argument_has_cut_off_is_followed_to_where_it_ends_now) {
   Session session;

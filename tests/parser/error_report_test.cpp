@@ -114,8 +114,7 @@ TEST(ContextBlock, Behind_an_include_goes_on_with_the_lines_of_the_outer_file) {
   EXPECT_EQ(BlockOfText("A\n@INCLUDE \"b.txt\"\nD !"), "\n\nLine 3 in file.mep");
 }
 
-// --- The public form
-// ------------------------------------------------------------------------------
+// --- The public form -----------------------------------------------------------------------------
 
 String BlockForCurrent(const IxoMepParser& parser) {
   String text = "My text.";
@@ -164,8 +163,7 @@ TEST(MakeErrorText, Without_memory_leaves_the_text_as_it_was) {
   EXPECT_EQ(text, "My text.");
 }
 
-// --- The line read back
-// ---------------------------------------------------------------------------
+// --- The line read back --------------------------------------------------------------------------
 
 TEST(LineOfErrorText, Is_the_line_that_was_written) {
   EXPECT_EQ(IxoMepParser::GetLineOfErrorText(FailText("A\n\n\n!")->GetErrorText()), 4);

@@ -134,8 +134,7 @@ TEST(ItemRuns, Texts_whose_items_never_follow_each_other_twice) {
   EXPECT_EQ(quick, Report(text));
 }
 
-// --- Two scans
-// ------------------------------------------------------------------------------------
+// --- Two scans -----------------------------------------------------------------------------------
 
 TEST(LateStatements, Values_before_them_are_as_in_the_plain_way) {
   const std::string before =

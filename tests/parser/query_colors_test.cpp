@@ -135,8 +135,7 @@ TEST(ColorOfElement, Values_are_resolved) {
   EXPECT_EQ(ColorOf(*parser), 0x070008);
 }
 
-// --- Expression objects
-// -----------------------------------------------------------------------------
+// --- Expression objects --------------------------------------------------------------------------
 
 TEST(ColorExpression, Of_a_constant_colour_is_a_constant) {
   for (const char* attributes :

@@ -286,8 +286,7 @@ TEST(ExpressionCopies, Array_places_are_copied_by_position) {
   EXPECT_EQ(scope.OldGetValue("list")->GetValue(1)->GetInt(), 7);
 }
 
-// --- States in which there is nothing to ask about
-// --------------------------------------------------
+// --- States in which there is nothing to ask about -----------------------------------------------
 
 void ExpectNothing(IxoMepParser& parser) {
   EXPECT_EQ(parser.GetCurElemIndex(), -1);

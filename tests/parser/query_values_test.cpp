@@ -443,8 +443,7 @@ TEST(BoolValue, A_measure_is_true_from_one_tenth_on) {
   }
 }
 
-// --- Measures and times
-// ----------------------------------------------------------------------------
+// --- Measures and times --------------------------------------------------------------------------
 
 TEST(MeasureValues, Tenths_of_a_millimetre_are_truncated_after_a_nudge) {
   const std::pair<double, std::int32_t> rows[] = {{100.0, 100},      {12.999995, 13}, {12.7, 12},

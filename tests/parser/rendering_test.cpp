@@ -142,8 +142,7 @@ TEST(MeasureForDisplay, Has_the_separator_of_the_host_and_all_digits) {
   EXPECT_EQ(IxoMepParser::GetUITextOfTMMValue(0), "0,00 cm");
 }
 
-// --- The extent of an attribute
-// -------------------------------------------------------------------
+// --- The extent of an attribute ------------------------------------------------------------------
 
 struct Extent {
   const char* text;
