@@ -25,7 +25,7 @@ using Kind = IxoMepExprNodeType;
 using Type = IxoMepValueType;
 
 // What the table tells operands apart by. A reference to a number is a Number, any other
-// reference is of no use to an operator.
+// reference is of no use to an operator but as index of SUB.
 enum class Class : std::uint8_t { Integer, Number, String, Measure, Time, Array, Other };
 
 Class ClassOf(const IxoMepValue& value) noexcept {
@@ -195,11 +195,14 @@ IxoMepErrorEnum Repeat(const Operands& o) {
 
 // --- Selection and membership -------------------------------------------------------------------
 
-// False for a real that is no index.
+// False for what is no index. A reference is one whatever it refers to: 0 when that is no number.
 bool ReadIndex(const IxoMepValue& value, std::int32_t& index) noexcept {
-  if (value.GetType() == Type::Real) {
+  const Type type = value.GetType();
+  if (type == Type::Real) {
     const double number = ValueAccess::Number(value);
     if (!(number >= -2147483648.0 && number <= 2147483647.0)) return false;
+  } else if (type != Type::Integer && type != Type::Reference) {
+    return false;
   }
   index = value.GetInt();
   return true;
@@ -346,8 +349,10 @@ constexpr Row kRows[] = {
 
     {Kind::Sub, {Class::String, Class::Integer, &Select}},
     {Kind::Sub, {Class::String, Class::Number, &Select}},
+    {Kind::Sub, {Class::String, Class::Other, &Select}},
     {Kind::Sub, {Class::Array, Class::Integer, &Select}},
     {Kind::Sub, {Class::Array, Class::Number, &Select}},
+    {Kind::Sub, {Class::Array, Class::Other, &Select}},
 };
 
 // One set of rows for each of the six comparisons.

@@ -22,15 +22,15 @@ String ContextBlock(std::int32_t line, const String& context) {
 
 }  // namespace
 
-void IxoMepParser::MakeErrorText(IxoMepErrorEnum code, std::int32_t offset) {
-  NoteError(code, offset);
+void IxoMepParser::MakeErrorText(IxoMepErrorEnum code, ixomep::SoughtPlace place) {
+  NoteError(code, place);
   State().error_text = IxoMepError::GetErrorText(code);
-  if (code != IMEPERR_NONE) AppendContextInfo(offset);
+  if (code != IMEPERR_NONE) AppendContextInfo(place);
 }
 
 // Meant: a text of one line gets no line number here.
-void IxoMepParser::AppendContextInfo(std::int32_t offset) {
-  const ixomep::TextPlace place = FindPlace(offset);
+void IxoMepParser::AppendContextInfo(ixomep::SoughtPlace sought) {
+  const ixomep::TextPlace place = FindPlace(sought);
   State().error_text += ContextBlock(place.several_lines ? place.line : 0, place.context);
 }
 

@@ -25,16 +25,16 @@ constexpr std::int32_t kRepositoryPrefix = 4;
 constexpr std::string_view kSeparators = "\\/";
 
 bool IsOnStack(std::string_view stack, std::string_view name) noexcept {
-  while (!stack.empty()) {
+  for (;;) {
     const std::size_t feed = stack.find('\n');
     if (stack.substr(0, feed) == name) return true;
-    stack.remove_prefix(feed == std::string_view::npos ? stack.size() : feed + 1);
+    if (feed == std::string_view::npos) return false;
+    stack.remove_prefix(feed + 1);
   }
-  return false;
 }
 
 std::int32_t DepthOf(std::string_view stack) noexcept {
-  return stack.empty() ? 0 : 1 + CountLineFeeds(stack, 0, stack.size());
+  return 1 + CountLineFeeds(stack, 0, stack.size());
 }
 
 // A relative name is one in the directory of the current file.
@@ -76,7 +76,10 @@ IxoMepErrorEnum Grammar::Include(std::unique_ptr<IxoMepElement> directive, std::
   const String name = Resolved(written, parser.GetCurFilename());
   const String stack = parser.State().filename_stack;
   String text;
-  if (!IsOnStack(stack, name) && DepthOf(stack) < kMaxDepth && includes_ < kMaxIncludes &&
+  // An empty stack is that of no file, or that of one file without a name.
+  const bool is_in_file = Top().is_included || !stack.IsEmpty();
+  const bool may_nest = !is_in_file || (!IsOnStack(stack, name) && DepthOf(stack) < kMaxDepth);
+  if (may_nest && includes_ < kMaxIncludes &&
       ReadFile(name, parser.State().use_include_cache, IxoMepParser::m_aIncludeCache, text) &&
       EnterFile(std::move(directive), start, name, text)) {
     return IMEPERR_NONE;
@@ -98,6 +101,7 @@ bool Grammar::EnterFile(std::unique_ptr<IxoMepElement> directive, std::size_t st
 
   ReadingFrame frame;
   frame.kind = ReadingFrame::Kind::Include;
+  frame.is_included = true;
   frame.continues = outer.continues || outer.position < outer.bytes.size();
   frame.base = OffsetOf(start);
   frame.parser = &parser;

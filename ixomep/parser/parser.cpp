@@ -254,11 +254,11 @@ std::int32_t IxoMepParser::GetTextLen() const noexcept {
   return static_cast<std::int32_t>(body.end - body.start);
 }
 
-ixomep::TextPlace IxoMepParser::FindPlace(std::int32_t offset) const {
+ixomep::TextPlace IxoMepParser::FindPlace(ixomep::SoughtPlace place) const {
   if (IsBodyNumber() || State().splices == nullptr) {
-    return ixomep::SegmentList(GetCompleteText(), GetContext()).Find(offset);
+    return ixomep::SegmentList(GetCompleteText(), GetContext()).Find(place);
   }
-  return State().splices->Segments(GetContext()).Find(offset);
+  return State().splices->Segments(GetContext()).Find(place);
 }
 
 // --- What a host sets ---------------------------------------------------------------------------
@@ -319,15 +319,15 @@ const String& IxoMepParser::GetErrorContext() const noexcept {
   return IsBodyNumber() ? GetContext() : State().error_context;
 }
 
-void IxoMepParser::NoteError(IxoMepErrorEnum code, std::int32_t offset) {
+void IxoMepParser::NoteError(IxoMepErrorEnum code, ixomep::SoughtPlace sought) {
   ixomep::ParserState& state = State();
   state.error_code = code;
-  state.error_offset = offset == String::kNotFound ? -1 : std::max(offset, -1);
+  state.error_offset = sought.offset == String::kNotFound ? -1 : std::max(sought.offset, -1);
   state.error_line = 0;
   state.error_column = 0;
   state.error_context = state.context;
   if (code == IMEPERR_NONE || state.error_offset < 0) return;
-  const ixomep::TextPlace place = FindPlace(state.error_offset);
+  const ixomep::TextPlace place = FindPlace(sought);
   state.error_line = place.line;
   state.error_column = place.column;
   state.error_context = place.context;

@@ -34,6 +34,7 @@ struct FoldedLiteral;
 struct LiteralRecord;
 struct ParserState;
 struct RecordRange;
+struct SoughtPlace;
 struct TextPlace;
 }  // namespace ixomep
 
@@ -307,17 +308,17 @@ class IXOMEP_API IxoMepParser {
   // A stretch of the complete text, without composing all of it (parser.cpp).
   String CopyText(std::int32_t start, std::int32_t count) const;
   // Source, line and column of an offset into the complete text (parser.cpp).
-  ixomep::TextPlace FindPlace(std::int32_t offset) const;
+  ixomep::TextPlace FindPlace(ixomep::SoughtPlace place) const;
 
   // Sets the error text to the code's text and the context block of the offset, and code and
   // place with it; 0 clears all of them. Placeholders are filled afterwards (error_report.cpp).
-  void MakeErrorText(IxoMepErrorEnum code, std::int32_t offset);
+  void MakeErrorText(IxoMepErrorEnum code, ixomep::SoughtPlace place);
   // Appends the context block to the error text. An offset that is negative or kNotFound is no
   // place.
-  void AppendContextInfo(std::int32_t offset);
+  void AppendContextInfo(ixomep::SoughtPlace sought);
   void SetCurrent(IxoMepElement* element, std::int32_t index) noexcept;  // null: none
   // Notes code and place of the last error; the text is set beside (parser.cpp).
-  void NoteError(IxoMepErrorEnum code, std::int32_t offset);
+  void NoteError(IxoMepErrorEnum code, ixomep::SoughtPlace sought);
   // Takes over the error of a body; the offset is into this parser's text.
   void CopyError(const IxoMepParser& inner, std::int32_t offset) noexcept;
 

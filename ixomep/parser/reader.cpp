@@ -96,7 +96,7 @@ void Grammar::Unwind() {
     const ReadingFrame inner = std::move(Top());
     frames_.pop_back();
     IxoMepParser& outer = *Top().parser;
-    outer.CopyError(*inner.parser, ErrorOffsetOf(error_position_));
+    outer.CopyError(*inner.parser, SoughtPlaceOf(error_position_).offset);
   }
 }
 
@@ -148,6 +148,7 @@ void Grammar::EnterBody(std::size_t open, std::size_t close, ReadingFrame::Kind 
   ReadingFrame frame;
   frame.kind = kind;
   frame.continues = outer.continues;
+  frame.is_included = outer.is_included;
   frame.base = outer.base + outer.parser->State().include_shift;
   frame.line = outer.line;
   frame.parser = body.get();
@@ -168,7 +169,7 @@ IxoMepErrorEnum Grammar::ReadForeignBody(std::size_t open, std::size_t close, Bo
   const IxoMepErrorEnum code = body->Parse();
   if (code != IMEPERR_NONE) {
     error_position_ = open;
-    Top().parser->CopyError(*body, ErrorOffsetOf(open));
+    Top().parser->CopyError(*body, OffsetOf(open));
     return code;
   }
   *owner = std::move(body);
@@ -205,10 +206,10 @@ std::int32_t Grammar::OffsetOf(std::size_t position) const noexcept {
   return frame.base + static_cast<std::int32_t>(position) + frame.parser->State().include_shift;
 }
 
-std::int32_t Grammar::ErrorOffsetOf(std::size_t position) const noexcept {
+SoughtPlace Grammar::SoughtPlaceOf(std::size_t position) const noexcept {
   const ReadingFrame& frame = frames_.back();
-  const bool is_outside = frame.continues && position > 0 && position >= frame.bytes.size();
-  return OffsetOf(is_outside ? frame.bytes.size() - 1 : position);
+  const bool is_file_end = frame.is_included && position > 0 && position >= frame.bytes.size();
+  return {OffsetOf(is_file_end ? frame.bytes.size() : position), is_file_end};
 }
 
 void Grammar::PassLines(std::size_t from, std::size_t to) noexcept {
@@ -261,7 +262,7 @@ IxoMepErrorEnum Grammar::Fail(IxoMepErrorEnum code, std::size_t position,
                               std::initializer_list<Fill> fills) {
   error_position_ = position;
   IxoMepParser& parser = *Top().parser;
-  parser.MakeErrorText(code, ErrorOffsetOf(position));
+  parser.MakeErrorText(code, SoughtPlaceOf(position));
   for (const Fill& fill : fills) {
     FillPlaceholder(parser.State().error_text, fill.placeholder, fill.replacement);
   }
@@ -273,8 +274,8 @@ IxoMepErrorEnum Grammar::FailWith(IxoMepErrorEnum code, const String& text, std:
   error_position_ = place;
   IxoMepParser& parser = *Top().parser;
   parser.State().error_text = text;
-  parser.AppendContextInfo(ErrorOffsetOf(position));
-  parser.NoteError(code, ErrorOffsetOf(place));
+  parser.AppendContextInfo(SoughtPlaceOf(position));
+  parser.NoteError(code, SoughtPlaceOf(place));
   return code;
 }
 

@@ -19,6 +19,7 @@
 #include "ixomep/parser/extent.h"
 #include "ixomep/parser/folded.h"
 #include "ixomep/parser/literal_reader.h"
+#include "ixomep/parser/spliced_text.h"
 #include "ixomep/values/error_code.h"
 #include "ixomep/values/raise.h"
 
@@ -34,7 +35,8 @@ struct ReadingFrame {
 
   Kind kind = Kind::Outermost;
   bool at_statement_start = true;
-  bool continues = false;  // the complete text goes on behind the source
+  bool continues = false;    // the complete text goes on behind the source
+  bool is_included = false;  // the source is an included file
   std::int32_t base = 0;
   std::int32_t line = 1;           // of the position
   IxoMepParser* parser = nullptr;  // receives the elements
@@ -109,8 +111,7 @@ class Grammar {
   bool HasCurrent() const noexcept;
   IxoMepElement* AttributeOwner();
   std::int32_t OffsetOf(std::size_t position) const noexcept;
-  // A place for an error: never behind the end of an included file.
-  std::int32_t ErrorOffsetOf(std::size_t position) const noexcept;
+  SoughtPlace SoughtPlaceOf(std::size_t position) const noexcept;
   IxoMepErrorEnum Fail(IxoMepErrorEnum code, std::size_t position,
                        std::initializer_list<Fill> fills = {});
   // The same with a text made elsewhere; `position` stands in the text's context block, `place`

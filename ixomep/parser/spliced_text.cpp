@@ -58,13 +58,16 @@ bool SegmentList::HasSeveralLines() const noexcept {
   });
 }
 
-TextPlace SegmentList::Find(std::int32_t offset) const {
+TextPlace SegmentList::Find(SoughtPlace sought) const {
   TextPlace place;
   place.context = segments_.front().context;
   place.several_lines = HasSeveralLines();
+  const std::int32_t offset = sought.offset;
   if (offset < 0 || offset > Length()) return place;
+  // The end of a file stands behind its last byte.
+  const std::int32_t inside = sought.is_file_end ? offset - 1 : offset;
   std::size_t index = segments_.size() - 1;
-  while (segments_[index].at > offset) --index;
+  while (index > 0 && segments_[index].at > inside) --index;
   const Segment& segment = segments_[index];
   const std::string_view source = segment.source.view();
   const auto position = static_cast<std::size_t>(segment.begin + (offset - segment.at));

@@ -22,6 +22,17 @@ struct TextPlace {
   bool several_lines = false;  // the complete text has a line feed before its last byte
 };
 
+// A place of a complete text that is looked for. The end of an included file is that file's,
+// although the offset is that of what comes next.
+struct SoughtPlace {
+  // Implicit: most places are an offset and nothing else.
+  SoughtPlace(std::int32_t at) noexcept : offset(at) {}  // NOLINT(google-explicit-constructor)
+  SoughtPlace(std::int32_t at, bool at_file_end) noexcept : offset(at), is_file_end(at_file_end) {}
+
+  std::int32_t offset;
+  bool is_file_end = false;
+};
+
 // The complete text as a list of stretches of files, in order and without gaps.
 class SegmentList {
  public:
@@ -31,7 +42,7 @@ class SegmentList {
   // A stretch of the complete text; the caller keeps it within the text.
   String Copy(std::int32_t start, std::int32_t count) const;
   // An offset outside the text is no place.
-  TextPlace Find(std::int32_t offset) const;
+  TextPlace Find(SoughtPlace sought) const;
   std::int32_t Length() const noexcept;
 
  private:

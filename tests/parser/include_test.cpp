@@ -352,6 +352,37 @@ TEST(IncludeErrors, What_a_file_leaves_open_is_an_error_in_that_file) {
   }
 }
 
+// The directive may be the last thing in the outer text, or not; in a body, or not.
+TEST(IncludeErrors, At_the_end_of_a_file_stand_in_that_file) {
+  TestHost host;
+  struct Row {
+    const char* file;
+    IxoMepErrorEnum code;
+    std::int32_t line;
+    std::int32_t column;
+  };
+  const Row rows[] = {{"A a:", IMEPERR_VALUE_EXPECTED, 1, 5},
+                      {"A a: m:", IMEPERR_VALUE_EXPECTED, 1, 8},
+                      {"A\n a:", IMEPERR_VALUE_EXPECTED, 2, 4},
+                      {"A\na:\n", IMEPERR_VALUE_EXPECTED, 3, 1},
+                      {"A (1+", IMEPERR_OPERAND_EXPECTED, 1, 6}};
+  for (const Row& row : rows) {
+    host.files["f"] = row.file;
+    for (const char* const text : {"T\n@INCLUDE \"f\"", "T\n@INCLUDE \"f\" ",
+                                   "T\n\n@INCLUDE \"f\"\nB c: 1", "T\n{ @INCLUDE \"f\"}"}) {
+      const Definition definition(text);
+      const IxoMepParser& parser = definition.parser;
+      EXPECT_EQ(definition.code, row.code) << row.file << " in " << text;
+      EXPECT_EQ(IxoMepParser::GetLineOfErrorText(parser.GetErrorText()), row.line)
+          << row.file << " in " << text << ": " << parser.GetErrorText().view();
+      EXPECT_TRUE(parser.GetErrorText().view().ends_with(" f")) << parser.GetErrorText().view();
+      EXPECT_EQ(parser.GetErrorContext(), "f") << row.file << " in " << text;
+      EXPECT_EQ(parser.GetErrorLine(), row.line) << row.file << " in " << text;
+      EXPECT_EQ(parser.GetErrorColumn(), row.column) << row.file << " in " << text;
+    }
+  }
+}
+
 TEST(IncludeErrors, Overflow_text_holds_the_complete_text) {
   TestHost host;
   host.files["b"] = "B 5e-1 ";
@@ -423,6 +454,18 @@ TEST(IncludeLimits, Sixty_four_files_may_nest_and_no_more) {
   const Definition definition("@INCLUDE \"f1\"");
   EXPECT_EQ(definition.code, IMEPERR_INCLUDE_FAILED);
   EXPECT_NE(definition.parser.GetErrorText().Search("\"f65\""), String::kNotFound);
+}
+
+// Only a host that reads files without a name.
+TEST(IncludeLimits, File_without_a_name_is_being_read_like_any_other) {
+  TestHost host;
+  host.files[""] = "A @INCLUDE";
+  const Definition definition("@INCLUDE");
+  EXPECT_EQ(definition.code, IMEPERR_INCLUDE_FAILED);
+  EXPECT_EQ(Shape(definition.parser), "A");
+  host.files[""] = "A @INCLUDE \"f\"";
+  host.files["f"] = "B";
+  EXPECT_EQ(ShapeOf("@INCLUDE @INCLUDE"), "A; B; A; B");
 }
 
 // Each file includes the next one twice: never deep, never long, but 2 to the 40th in number.
