@@ -160,6 +160,15 @@ class Document {
   std::uint32_t FindAttribute(const ElementRecord& element, const String& name) const noexcept {
     return FindAttribute(element, names_.Find(name));
   }
+  // Which of four attributes have that name, the first one's bit lowest. All are looked at, also
+  // those that belong to the elements behind: where the name is cannot be foretold, and a branch
+  // taken wrongly costs more.
+  static std::uint32_t HitsAmongFour(const AttributeRecord* four, std::uint32_t name) noexcept {
+    const auto hit = [=](std::uint32_t i) { return std::uint32_t{four[i].name == name} << i; };
+    return hit(0) | hit(1) | hit(2) | hit(3);
+  }
+  // Whether there are four from an index on.
+  bool HasFour(std::uint32_t index) const noexcept { return attributes_.Size() - index >= 4; }
   // The line of an offset. Cheap for offsets that are asked in order.
   std::int32_t LineAt(std::uint32_t offset) const;
 
@@ -191,12 +200,8 @@ class Document {
   std::uint32_t FindAmongFew(const ElementRecord& element, std::uint32_t name) const noexcept {
     const std::uint32_t end = element.first_attribute + element.attribute_count;
     std::uint32_t at = element.first_attribute;
-    // Four in one step, those of other elements behind this one too: which of them it is cannot be
-    // foretold, and a branch taken wrongly costs more than to look at all.
-    for (; at < end && attributes_.Size() - at >= 4; at += 4) {
-      const AttributeRecord* const four = attributes_.Data() + at;
-      const auto hit = [=](std::uint32_t i) { return std::uint32_t{four[i].name == name} << i; };
-      const std::uint32_t hits = hit(0) | hit(1) | hit(2) | hit(3);
+    for (; at < end && HasFour(at); at += 4) {
+      const std::uint32_t hits = HitsAmongFour(&attributes_[at], name);
       if (hits == 0) continue;
       const std::uint32_t found = at + static_cast<std::uint32_t>(std::countr_zero(hits));
       return found < end ? found : kNoRecord;

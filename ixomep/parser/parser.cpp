@@ -79,7 +79,6 @@ IxoMepParser::~IxoMepParser() {
 
 void IxoMepParser::TakeState(const String& text, std::int32_t start, std::int32_t length,
                              std::int32_t first_line, const String& context) noexcept {
-  ixomep::last_asked.Forget(this);
   auto* const state =
       new (std::nothrow) ixomep::ParserState(text, start, length, first_line, context);
   place_ = PlaceOf(state != nullptr ? *state : SharedState());
@@ -102,7 +101,7 @@ ixomep::ParserState& IxoMepParser::OwnState() const {
   state->current_index = GetCurElemIndex();
   state->vars = GetVars();
   state->filename_stack = document.FilenameStack();
-  ixomep::last_asked.Forget(this);
+  // The cursor may stay: the current element is the same.
   place_ = PlaceOf(*state.release());
   return State();
 }
@@ -123,8 +122,10 @@ IxoMepExpressionParser* IxoMepParser::NewExprParser() {
 void IxoMepParser::SetText(const String& text) {
   // It may belong to an element that goes.
   const String taken = text;  // NOLINT(performance-unnecessary-copy-initialization)
-  ixomep::last_asked.Forget(this);
-  if (TryOwnState() == nullptr) place_ = PlaceOf(SharedState());
+  if (TryOwnState() == nullptr) {
+    ixomep::last_asked.Forget(this);
+    place_ = PlaceOf(SharedState());
+  }
   if (State().is_shared) {
     TakeState(taken, 0, taken.Len(), 0, String());
     Init();
@@ -292,7 +293,6 @@ void IxoMepParser::SetUseIncludeCache(bool use) noexcept {
 }
 
 void IxoMepParser::SetCurrent(IxoMepElement* element, std::int32_t index) noexcept {
-  ixomep::last_asked.Forget(this);
   State().current = element != nullptr ? element : ixomep::EmptyElement();
   State().current_index = index;
 }

@@ -1,5 +1,7 @@
 // Typed values: a stored value is resolved (Resolve) and then converted, by one conversion for
 // each type. The forms of a getter differ only in where the stored value comes from.
+#include <algorithm>
+#include <bit>
 #include <exception>
 #include <functional>
 #include <utility>
@@ -59,7 +61,7 @@ bool IsText(const ixomep::LiteralRecord& literal) noexcept {
   const std::string_view text = document.Text().view();
   return ixomep::OrNeutral(false, [&] {
     if (literal.Kind() == ixomep::LiteralKind::String) {
-      out = String(text.substr(literal.at, literal.size));
+      out = String(std::string_view(text.data() + literal.at, literal.size));
     } else {
       ixomep::UnescapePart(text, literal.at, literal.size, out);
     }
@@ -78,11 +80,23 @@ inline bool CopyLiteral(const ixomep::Document& document, const ixomep::LiteralR
   return TakeText(document, literal, out);
 }
 
-// The literal of the attribute with the name at the cursor; null when there is none.
-[[gnu::noinline]] const ixomep::LiteralRecord* LiteralAtCursor(const String& name) noexcept {
+[[gnu::noinline]] const ixomep::LiteralRecord* AnyLiteralAtCursor(const String& name) noexcept {
   const ixomep::Document& document = *last_asked.document;
   const std::uint32_t index = document.FindAttribute(*last_asked.record, name);
   return index != ixomep::kNoRecord ? &document.Attribute(index).literal : nullptr;
+}
+
+// The literal of the attribute with the name at the cursor; null when there is none. Mostly it is
+// one of the first, and the name one that the host has just been told.
+[[gnu::noinline]] const ixomep::LiteralRecord* LiteralAtCursor(const String& name) noexcept {
+  const ixomep::Document& document = *last_asked.document;
+  const std::uint32_t number = document.Names().FindLast(name);
+  const bool has_four = document.HasFour(last_asked.record->first_attribute);
+  if (number == ixomep::NameTable::kUnknown || !has_four) return AnyLiteralAtCursor(name);
+  const std::uint32_t hits = ixomep::Document::HitsAmongFour(last_asked.attributes, number);
+  const auto found = static_cast<std::uint32_t>(std::countr_zero(hits | 16));
+  if (found >= std::min(last_asked.attribute_count, 4U)) return AnyLiteralAtCursor(name);
+  return &last_asked.attributes[found].literal;
 }
 
 bool Fits(Type expected, Type found) noexcept {

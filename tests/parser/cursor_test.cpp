@@ -236,6 +236,31 @@ TEST(Cursor, Is_nowhere_after_the_end_of_its_parser) {
   EXPECT_TRUE(last_asked.IsAt(nullptr));
 }
 
+TEST(Cursor, Leaves_a_body_that_gets_another_text_without_memory_to_remember_it) {
+  const TestHost host;
+  const Definition definition("A { B b: 1 }");
+  IxoMepParser& body = *definition.parser.GetBodyParser();
+  const String text("OTHER");
+  ASSERT_TRUE(body.SetCurElemIndex(0));
+  const ScopedMemoryLimit limit(0);
+  body.SetText(text);
+  EXPECT_FALSE(last_asked.IsAt(&body));
+  EXPECT_EQ(body.GetAttrCount(), 0);
+  EXPECT_FALSE(body.SetCurElemIndex(0));
+}
+
+TEST(Cursor, Stays_in_a_body_that_gets_an_error_of_its_own) {
+  const Definition definition("A { B b: 1\nC c: 2 d }");
+  IxoMepParser& body = *definition.parser.GetBodyParser();
+  ASSERT_TRUE(body.SetCurElemIndex(0));
+  EXPECT_EQ(body.ExpectValueType("b", IxoMepValueType::String, false), IMEPERR_UNEXPECTED_TYPE);
+  EXPECT_EQ(body.GetAttrNameOfPos(0), "b");
+  ASSERT_TRUE(body.SetCurElemIndex(1));
+  EXPECT_EQ(body.GetCurElemIndex(), 1);
+  EXPECT_EQ(body.GetAttrCount(), 2);
+  EXPECT_EQ(body.GetCurElement()->GetKeyword(), "C");
+}
+
 // An element asked for as an object and changed is what all queries see.
 TEST(Cursor, Leaves_an_element_that_becomes_an_object_while_it_is_current) {
   Definition definition("A \"old\" a: \"old\" b: 1");
