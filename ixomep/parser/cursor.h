@@ -40,7 +40,7 @@ struct Cursor {
   // The current element is another one of the parser now.
   void StandAt(const ElementRecord& element, bool is_without_element) noexcept {
     record = &element;
-    attributes = &document->Attribute(element.first_attribute);
+    attributes = document->AttributesOf(element);
     attribute_count = element.attribute_count;
     is_loose = is_without_element;
   }

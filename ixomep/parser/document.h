@@ -137,6 +137,10 @@ class Document {
   const AttributeRecord& Attribute(std::uint32_t index) const noexcept {
     return attributes_[index];
   }
+  // The first one of an element; beyond the last of all where it has none.
+  const AttributeRecord* AttributesOf(const ElementRecord& element) const noexcept {
+    return attributes_.Data() + element.first_attribute;
+  }
   // The value of a literal of kind Made, while its element is no object.
   const IxoMepValue* Made(const LiteralRecord& literal) const noexcept {
     return made_[literal.at].value.get();

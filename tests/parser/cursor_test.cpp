@@ -86,6 +86,8 @@ class Twins {
       case 6:
         EXPECT_EQ(pair.quick->ExpectValueType("a", IxoMepValueType::Time, false),
                   pair.plain->ExpectValueType("a", IxoMepValueType::Time, false));
+        EXPECT_EQ(pair.quick->GetErrorText(), pair.plain->GetErrorText());
+        EXPECT_EQ(pair.quick->GetErrorOffset(), pair.plain->GetErrorOffset());
         break;
       case 7:
       case 8:
@@ -247,6 +249,31 @@ TEST(Cursor, Leaves_a_body_that_gets_another_text_without_memory_to_remember_it)
   EXPECT_FALSE(last_asked.IsAt(&body));
   EXPECT_EQ(body.GetAttrCount(), 0);
   EXPECT_FALSE(body.SetCurElemIndex(0));
+}
+
+TEST(Cursor, Asks_an_element_for_a_name_that_another_one_has_told) {
+  Definition definition("A a: \"1\"\nB b: \"2\" c: \"3\" a: \"4\" d e f g");
+  IxoMepParser& parser = definition.parser;
+  for (std::int32_t teller = 0; teller < 2; ++teller) {
+    for (std::int32_t position = 0; position < 7; ++position) {
+      ASSERT_TRUE(parser.SetCurElemIndex(teller));
+      const String name = parser.GetAttrNameOfPos(position);
+      ASSERT_TRUE(parser.SetCurElemIndex(0));
+      EXPECT_EQ(parser.GetStrValue(name), name == "a" ? "1" : "") << name.c_str();
+      ASSERT_TRUE(parser.SetCurElemIndex(1));
+      const char* const of_second = name == "a" ? "4" : name == "b" ? "2" : name == "c" ? "3" : "";
+      EXPECT_EQ(parser.GetStrValue(name), of_second) << name.c_str();
+    }
+  }
+}
+
+TEST(Cursor, Knows_attributes_without_an_element_to_have_no_place) {
+  const Definition definition("A { b: 1 }");
+  IxoMepParser& body = *definition.parser.GetBodyParser();
+  EXPECT_EQ(body.GetAttrNameOfPos(0), "b");
+  EXPECT_TRUE(last_asked.IsAt(&body));
+  EXPECT_EQ(body.ExpectValueType("b", IxoMepValueType::String, false), IMEPERR_UNEXPECTED_TYPE);
+  EXPECT_EQ(body.GetErrorOffset(), -1);
 }
 
 TEST(Cursor, Stays_in_a_body_that_gets_an_error_of_its_own) {
