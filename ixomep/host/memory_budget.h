@@ -23,11 +23,12 @@ class IXOMEP_API MemoryBudget {
     if (!MayTake(bytes)) Refuse();
     in_use_ += bytes;
   }
-  // The same where nothing may be asked or thrown: false, and nothing is counted, also when the
-  // limit is not known yet.
+  // The same of a few bytes where nothing may be asked or thrown: false, and nothing is counted,
+  // also when the limit is not known yet.
   static bool TakeKnown(std::size_t bytes) noexcept {
-    if (!Fits(bytes)) return false;
-    in_use_ += bytes;
+    const std::size_t in_use = in_use_ + bytes;  // all in use is memory: the sum does not wrap
+    if (in_use > limit_) return false;
+    in_use_ = in_use;
     return true;
   }
   static void Give(std::size_t bytes) noexcept { in_use_ -= bytes; }

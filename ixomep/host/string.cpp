@@ -14,6 +14,7 @@
 #include "ixomep/host/memory_budget.h"
 #include "ixomep/host/res_id.h"
 #include "ixomep/host/sanitizer.h"
+#include "ixomep/host/short_text.h"
 #include "ixomep/host/text_search.h"
 
 // The 256 texts of one byte. Like the empty text they are constant-initialised, never written and
@@ -74,51 +75,6 @@ inline void CopyBytes(char* to, std::string_view from) noexcept {
   }
 }
 
-// Short texts come and go with every evaluation. Their blocks are kept for the next ones, a few of
-// each size, which costs a fifth of going to the heap.
-class ShortBlocks {
-  static constexpr std::size_t kStep = 32;
-  static constexpr std::size_t kSizes = ixomep::kWatchedMemory ? 0 : 3;
-
- public:
-  // The most bytes that such a block has.
-  static constexpr std::size_t kMostBytes = kSizes * kStep;
-
-  // Of at most kMostBytes: whether a block was kept, and that block.
-  static bool HasKept(std::size_t bytes) noexcept { return kept_[SizeClass(bytes)] != nullptr; }
-  static void* TakeKept(std::size_t bytes) noexcept {
-    const std::size_t size = SizeClass(bytes);
-    --counts_[size];
-    return std::exchange(kept_[size], kept_[size]->next);
-  }
-  // Null when the memory cannot be had.
-  static void* New(std::size_t bytes) noexcept {
-    if (bytes >= ixomep::LargeBlocks::kFrom) return ixomep::LargeBlocks::New(bytes);
-    const std::size_t size = SizeClass(bytes);
-    if (size >= kSizes) return ::operator new(bytes, std::nothrow);
-    if (kept_[size] == nullptr) return ::operator new((size + 1) * kStep, std::nothrow);
-    return TakeKept(bytes);
-  }
-  static void Delete(void* block, std::size_t bytes) noexcept {
-    if (bytes >= ixomep::LargeBlocks::kFrom) return std::free(block);
-    const std::size_t size = SizeClass(bytes);
-    if (size >= kSizes || counts_[size] == kMost) return ::operator delete(block);
-    ++counts_[size];
-    kept_[size] = new (block) Link{kept_[size]};
-  }
-
- private:
-  struct Link {
-    Link* next;
-  };
-  static constexpr std::int32_t kMost = 1024;
-
-  static std::size_t SizeClass(std::size_t bytes) noexcept { return (bytes - 1) / kStep; }
-
-  static inline Link* kept_[kSizes + 1] = {};
-  static inline std::int32_t counts_[kSizes + 1] = {};
-};
-
 // A position or size of this library: at most kMaxLength + 1.
 std::int32_t Narrow(std::size_t position) noexcept { return static_cast<std::int32_t>(position); }
 
@@ -131,7 +87,7 @@ String::Rep* String::NewRep(std::int64_t length, std::int64_t capacity) {
   if (length > kMaxCapacity) throw std::length_error("text too long");
   const auto bytes = sizeof(Rep) + static_cast<std::size_t>(capacity) + 1;
   ixomep::MemoryBudget::Take(bytes);
-  void* memory = ShortBlocks::New(bytes);
+  void* memory = ixomep::ShortBlocks::New(bytes);
   if (memory == nullptr) {
     ixomep::MemoryBudget::Give(bytes);
     throw std::bad_alloc();
@@ -152,17 +108,11 @@ String::Rep* String::AnyRepOf(std::string_view text) {
   return rep;
 }
 
-// Most texts are short and find a block that was kept: no call on that way.
+// Most texts are short.
 inline String::Rep* String::RepOf(std::string_view text) {
-  constexpr std::size_t kHead = sizeof(Rep) + 1;
-  constexpr std::size_t kMost = std::max(ShortBlocks::kMostBytes, kHead) - kHead;
-  if (text.size() < 2 || text.size() > kMost) return AnyRepOf(text);
-  const std::size_t bytes = text.size() + kHead;
-  if (!ShortBlocks::HasKept(bytes) || !ixomep::MemoryBudget::TakeKnown(bytes)) {
+  Rep* const rep = ixomep::ShortText::New(text.size());
+  if (rep == nullptr) [[unlikely]]
     return AnyRepOf(text);
-  }
-  const auto length = static_cast<std::int32_t>(text.size());
-  Rep* const rep = new (ShortBlocks::TakeKept(bytes)) Rep{1, length, length};
   TextOf(rep)[text.size()] = '\0';
   CopyBytes(TextOf(rep), text);
   return rep;
@@ -171,7 +121,7 @@ inline String::Rep* String::RepOf(std::string_view text) {
 void String::Free(Rep* rep) noexcept {
   const auto bytes = sizeof(Rep) + static_cast<std::size_t>(rep->capacity) + 1;
   ixomep::MemoryBudget::Give(bytes);
-  ShortBlocks::Delete(rep, bytes);
+  ixomep::ShortBlocks::Delete(rep, bytes);
 }
 
 bool String::IsWritable(std::int64_t length) const noexcept {

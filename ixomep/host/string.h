@@ -19,8 +19,9 @@
 class ResId;
 
 namespace ixomep {
+class ShortText;
 class StringTail;
-}
+}  // namespace ixomep
 
 // Positions count bytes from 0. Functions that lengthen a text throw std::length_error past
 // kMaxLength and std::bad_alloc when the memory cannot be had or passes the memory budget; the
@@ -151,6 +152,7 @@ class IXOMEP_API String {
   }
 
  private:
+  friend class ixomep::ShortText;
   friend class ixomep::StringTail;
 
   // The head of a text's storage; the bytes and their terminating zero follow it directly.
@@ -176,7 +178,7 @@ class IXOMEP_API String {
   static Rep* EmptyRep() noexcept { return &empty_text_.rep; }
   static Rep* NewRep(std::int64_t length, std::int64_t capacity);
   static Rep* RepOf(std::string_view text);
-  static Rep* AnyRepOf(std::string_view text);
+  [[gnu::noinline]] static Rep* AnyRepOf(std::string_view text);
   static void Free(Rep* rep) noexcept;
   static void Keep(Rep* rep) noexcept {
     if (rep->owners != kForever) ++rep->owners;

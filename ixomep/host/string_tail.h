@@ -3,14 +3,26 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
+#include "ixomep/host/short_text.h"
 #include "ixomep/host/string.h"
 
 namespace ixomep {
 
 class StringTail {
  public:
+  // Makes an empty text of it with room for so many bytes. Throws std::bad_alloc, and the text is
+  // as it was.
+  static char* MakeRoom(String& text, std::size_t bytes) {
+    String::Rep* const kept = ShortText::New(bytes);
+    String::Rep* const rep =
+        kept != nullptr ? kept : String::NewRep(0, static_cast<std::int64_t>(bytes));
+    rep->length = 0;
+    text.Take(rep);
+    return String::TextOf(rep);
+  }
   // What may be written until the next use of the text; nothing when the storage is shared.
   static std::span<char> Of(String& text) noexcept {
     const String::Rep& rep = *text.rep_;

@@ -5,6 +5,7 @@
 // query that hands out none reads the records (element_view.h).
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -136,6 +137,10 @@ class Document {
   const AttributeRecord& Attribute(std::uint32_t index) const noexcept {
     return attributes_[index];
   }
+  // The first one of an element; beyond the last of all where it has none.
+  const AttributeRecord* AttributesOf(const ElementRecord& element) const noexcept {
+    return attributes_.Data() + element.first_attribute;
+  }
   // The value of a literal of kind Made, while its element is no object.
   const IxoMepValue* Made(const LiteralRecord& literal) const noexcept {
     return made_[literal.at].value.get();
@@ -159,6 +164,15 @@ class Document {
   std::uint32_t FindAttribute(const ElementRecord& element, const String& name) const noexcept {
     return FindAttribute(element, names_.Find(name));
   }
+  // Which of four attributes have that name, the first one's bit lowest. All are looked at, also
+  // those that belong to the elements behind: where the name is cannot be foretold, and a branch
+  // taken wrongly costs more.
+  static std::uint32_t HitsAmongFour(const AttributeRecord* four, std::uint32_t name) noexcept {
+    const auto hit = [=](std::uint32_t i) { return std::uint32_t{four[i].name == name} << i; };
+    return hit(0) | hit(1) | hit(2) | hit(3);
+  }
+  // Whether there are four from an index on.
+  bool HasFour(std::uint32_t index) const noexcept { return attributes_.Size() - index >= 4; }
   // The line of an offset. Cheap for offsets that are asked in order.
   std::int32_t LineAt(std::uint32_t offset) const;
 
@@ -189,8 +203,15 @@ class Document {
   }
   std::uint32_t FindAmongFew(const ElementRecord& element, std::uint32_t name) const noexcept {
     const std::uint32_t end = element.first_attribute + element.attribute_count;
-    for (std::uint32_t i = element.first_attribute; i < end; ++i) {
-      if (attributes_[i].name == name) return i;
+    std::uint32_t at = element.first_attribute;
+    for (; at < end && HasFour(at); at += 4) {
+      const std::uint32_t hits = HitsAmongFour(&attributes_[at], name);
+      if (hits == 0) continue;
+      const std::uint32_t found = at + static_cast<std::uint32_t>(std::countr_zero(hits));
+      return found < end ? found : kNoRecord;
+    }
+    for (; at < end; ++at) {
+      if (attributes_[at].name == name) return at;
     }
     return kNoRecord;
   }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "ixomep/parser/cursor.h"
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/element.h"
 #include "ixomep/parser/parser.h"
@@ -166,6 +167,13 @@ inline constexpr std::array<IxoMepValueType, 16> kLiteralTypes = [] {
   set(LiteralKind::Measure, IxoMepValueType::Measure);
   set(LiteralKind::Time, IxoMepValueType::Time);
   set(LiteralKind::Source, IxoMepValueType::Expression);
+  return types;
+}();
+
+// The same where an expression may have to be evaluated.
+inline constexpr auto kSettledTypes = [] {
+  auto types = kLiteralTypes;
+  types[static_cast<std::size_t>(LiteralKind::Source)] = kOpenType;
   return types;
 }();
 
@@ -331,6 +339,8 @@ inline ixomep::RecordRange IxoMepParser::Records() const noexcept {
 }
 
 inline const ixomep::Document& IxoMepParser::CurrentDocument() const noexcept {
+  const ixomep::Cursor& cursor = ixomep::last_asked;
+  if (cursor.IsAt(this)) return *cursor.document;
   return IsBodyNumber() ? BodyDocument() : *State().records;
 }
 
@@ -349,24 +359,23 @@ inline ixomep::ElementView IxoMepParser::ViewAt(std::int32_t index) const noexce
 }
 
 inline ixomep::ElementView IxoMepParser::CurrentView() const noexcept {
-  if (const ixomep::ElementRecord* const record = CurrentRecord()) {
+  const ixomep::Cursor& cursor = ixomep::last_asked;
+  if (cursor.IsAt(this)) return {*cursor.document, *cursor.record, cursor.is_loose};
+  if (const ixomep::ElementRecord* const record = FindRecord()) {
     return {CurrentDocument(), *record, /*is_loose=*/GetCurElemIndex() < 0};
   }
   return ixomep::ElementView(CurrentObject());
 }
 
 inline const ixomep::ElementRecord* IxoMepParser::CurrentRecord() const noexcept {
+  const ixomep::Cursor& cursor = ixomep::last_asked;
+  return cursor.IsAt(this) ? cursor.record : FindRecord();
+}
+
+inline const ixomep::ElementRecord* IxoMepParser::FindRecord() const noexcept {
   if (!IsBodyNumber()) return State().current_record;
   const std::uint32_t number = CurrentNumber();
   return (number & kIsObject) == 0 ? &BodyDocument().Element(number) : nullptr;
-}
-
-inline const ixomep::AttributeRecord* IxoMepParser::CurrentAttribute(
-    std::int32_t pos) const noexcept {
-  const ixomep::ElementRecord* const element = CurrentRecord();
-  const auto at = static_cast<std::uint32_t>(pos);
-  if (element == nullptr || at >= element->attribute_count) return nullptr;
-  return &CurrentDocument().Attribute(element->first_attribute + at);
 }
 
 inline const ixomep::LiteralRecord* IxoMepParser::NamedLiteral(const String& name) const noexcept {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <exception>
 
+#include "ixomep/host/string_tail.h"
 #include "ixomep/parser/byte_block.h"
 #include "ixomep/parser/bytes.h"
 #include "ixomep/values/raise.h"
@@ -50,6 +51,23 @@ ValuePtr ReadTimeOrNumber(const LiteralText& text, std::size_t& position, Litera
   return ReadNumber(text, position, context.code, context.error_text);
 }
 
+// Whole blocks as they are, up to the backslash in them. A block behind the end is read, and
+// written behind what is returned.
+char* UnescapeBlocks(const char* in, const char* end, char* out) noexcept {
+  while (true) {
+    const ByteBlock::Mask hits = ByteBlock(in).Is('\\');
+    std::memcpy(out, in, ByteBlock::kSize);
+    const std::size_t plain = hits != 0 ? ByteBlock::First(hits) : ByteBlock::kSize;
+    const auto left = static_cast<std::size_t>(end - in);
+    if (plain >= left) return out + left;
+    in += plain;
+    out += plain;
+    if (hits == 0) continue;
+    *out++ = Unescaped(in[1]);
+    in += 2;
+  }
+}
+
 }  // namespace
 
 char* Unescape(std::string_view content, char* out) noexcept {
@@ -68,6 +86,18 @@ char* Unescape(std::string_view content, char* out) noexcept {
   }
   for (; in != end; ++in) *out++ = *in == '\\' ? Unescaped(*++in) : *in;
   return out;
+}
+
+void UnescapePart(std::string_view text, std::size_t at, std::size_t size, String& out) {
+  constexpr std::size_t kBlock = ByteBlock::kSize;
+  constexpr std::size_t kLeast = 3;  // of two bytes one is left, which has a storage of its own
+  if (text.size() - at < size + kBlock || size < kLeast) [[unlikely]] {
+    out = Unescape(text.substr(at, size));
+    return;
+  }
+  char* const first = StringTail::MakeRoom(out, size + kBlock);
+  const char* const in = text.data() + at;
+  StringTail::Take(out, static_cast<std::size_t>(UnescapeBlocks(in, in + size, first) - first));
 }
 
 String Unescape(std::string_view content) {

@@ -58,6 +58,9 @@ constexpr char Unescaped(char letter) noexcept {
 // The text between the quotes of a string literal without its backslashes; the form with `out`
 // writes it there, where as many bytes have room, and gives its end.
 String Unescape(std::string_view content);
+// The same of a stretch of a text, which may be read beyond that stretch, in the place of another
+// text.
+void UnescapePart(std::string_view text, std::size_t at, std::size_t size, String& out);
 char* Unescape(std::string_view content, char* out) noexcept;
 
 // Each reads at the position and moves behind the literal. Null on failure, with code and error

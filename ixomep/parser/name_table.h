@@ -54,8 +54,13 @@ class NameTable {
   std::uint32_t Find(std::string_view name) const noexcept;
   // The same; a text that Text or KnownText gave last is known by its storage.
   std::uint32_t Find(const String& name) const noexcept {
+    const std::uint32_t last = FindLast(name);
+    return last != kUnknown ? last : Find(name.view());
+  }
+  // The same of that text only; kUnknown for others.
+  std::uint32_t FindLast(const String& name) const noexcept {
     const bool is_last = last_asked_ < texts_.size() && texts_[last_asked_].SharesTextWith(name);
-    return is_last ? last_asked_ : Find(name.view());
+    return is_last ? last_asked_ : kUnknown;
   }
 
   std::uint32_t Count() const noexcept { return entries_.Size(); }

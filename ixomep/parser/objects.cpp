@@ -31,6 +31,7 @@ IxoMepElement* IxoMepParser::ObjectOf(std::uint32_t record, bool is_loose) const
     IxoMepElement* const object =
         document.ElementObject(record, is_loose, const_cast<IxoMepParser*>(this));
     if (CurrentRecord() == &document.Element(record)) {
+      ixomep::last_asked.Forget(this);
       if (IsBodyNumber()) {
         PlaceAt(BodyNumber(), record | kIsObject);
       } else {
@@ -75,6 +76,7 @@ void IxoMepParser::MakeAll() {
 }
 
 void IxoMepParser::ForgetRecords() noexcept {
+  ixomep::last_asked.Forget(this);
   ixomep::ParserState& state = State();
   if (state.records == nullptr) return;
   if (state.is_body) {

@@ -73,6 +73,7 @@ IxoMepParser::IxoMepParser(const IxoMepParser& outer, std::int32_t start, std::i
 }
 
 IxoMepParser::~IxoMepParser() {
+  ixomep::last_asked.Forget(this);
   if (!IsBodyNumber() && !State().is_shared) delete &State();
 }
 
@@ -100,6 +101,7 @@ ixomep::ParserState& IxoMepParser::OwnState() const {
   state->current_index = GetCurElemIndex();
   state->vars = GetVars();
   state->filename_stack = document.FilenameStack();
+  // The cursor may stay: the current element is the same.
   place_ = PlaceOf(*state.release());
   return State();
 }
@@ -120,7 +122,10 @@ IxoMepExpressionParser* IxoMepParser::NewExprParser() {
 void IxoMepParser::SetText(const String& text) {
   // It may belong to an element that goes.
   const String taken = text;  // NOLINT(performance-unnecessary-copy-initialization)
-  if (TryOwnState() == nullptr) place_ = PlaceOf(SharedState());
+  if (TryOwnState() == nullptr) {
+    ixomep::last_asked.Forget(this);
+    place_ = PlaceOf(SharedState());
+  }
   if (State().is_shared) {
     TakeState(taken, 0, taken.Len(), 0, String());
     Init();

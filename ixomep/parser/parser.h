@@ -282,17 +282,22 @@ class IXOMEP_API IxoMepParser {
   // An element, made or not; none when out of range.
   ixomep::ElementView ViewAt(std::int32_t index) const noexcept;
   ixomep::ElementView CurrentView() const noexcept;
-  // The current element, and one of its attributes, while they are records; null otherwise, and for
-  // a position out of range.
+  // The current element while it is a record; null otherwise. FindRecord looks where the parser
+  // stands, CurrentRecord first at the cursor (cursor.h), which Aim sets on a record.
+  const ixomep::ElementRecord* FindRecord() const noexcept;
   const ixomep::ElementRecord* CurrentRecord() const noexcept;
-  const ixomep::AttributeRecord* CurrentAttribute(std::int32_t pos) const noexcept;
+  void Aim() const noexcept;
   const ixomep::LiteralRecord* NamedLiteral(const String& name) const noexcept;
-  // The answers for elements that are objects, and for what a record alone does not tell. Kept out
-  // of the queries, which are short without them (query.cpp, query_values.cpp).
+  // The answers where the cursor is not on the current element or its record does not tell. Kept
+  // out of the queries, which are short without them (query.cpp, query_values.cpp).
+  bool GoTo(std::uint32_t index) noexcept;
+  std::int32_t CountAttributes() const noexcept;
   String NameAt(std::int32_t pos) const noexcept;
   String ModifierAt(std::int32_t pos) const noexcept;
+  IxoMepParser* Body() const noexcept;
+  IxoMepValueType OwnType() const;
   IxoMepValueType TypeAt(std::int32_t pos) const;
-  String StrValueOf(const String* name) const;  // null: the own value
+  void ReadText(const String* name, String& value) const noexcept;  // null: the own value
   // The stored value of the current element, of its attribute with the name or at the position.
   ixomep::ValueView OwnValue() const noexcept;
   ixomep::ValueView NamedValue(const String& name) const noexcept;
@@ -336,8 +341,6 @@ class IXOMEP_API IxoMepParser {
   // The type of the resolved value; undefined, and false, when it is missing.
   bool FindType(const ixomep::ValueView& stored, IxoMepValueType& type) const;
   IxoMepValueType TypeOf(const ixomep::ValueView& stored) const;
-  // The same of a literal that is no object; false when that does not tell.
-  bool FindLiteralType(const ixomep::LiteralRecord& literal, IxoMepValueType& type) const noexcept;
   // The work of ExpectValueType; attribute is its name in the error text, null for the own value.
   IxoMepErrorEnum Expect(const ixomep::ValueView& stored, const String* attribute,
                          IxoMepValueType type, bool allow_missing);

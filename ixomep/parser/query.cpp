@@ -9,7 +9,9 @@
 
 using ixomep::AttributeRecord;
 using ixomep::AttributeView;
+using ixomep::Cursor;
 using ixomep::ElementView;
+using ixomep::last_asked;
 using ixomep::OrNeutral;
 
 namespace {
@@ -31,6 +33,10 @@ inline String TextOf(const ixomep::NameTable& names, std::uint32_t number) noexc
   if (const String* const text = names.KnownText(number)) [[likely]]
     return *text;
   return MadeText(names, number);
+}
+
+IxoMepParser* MadeBody(const ixomep::Document& document, std::uint32_t body) noexcept {
+  return OrNeutral<IxoMepParser*>(nullptr, [&] { return document.BodyParser(body); });
 }
 
 template <class View>
@@ -71,26 +77,50 @@ std::int32_t IxoMepParser::GetCurElemIndex() const noexcept {
 
 bool IxoMepParser::SetCurElemIndex(std::int32_t index) {
   const auto at = static_cast<std::uint32_t>(index);
+  Cursor& cursor = last_asked;
+  if (!cursor.IsAt(this)) return GoTo(at);
+  if (at >= cursor.count) return false;
+  const std::uint32_t number = cursor.first + at;
+  if (cursor.document->MadeElement(number) != nullptr) [[unlikely]]
+    return GoTo(at);
+  cursor.StandAt(cursor.document->Element(number), /*is_without_element=*/false);
   if (IsBodyNumber()) {
-    const ixomep::Document& document = BodyDocument();
-    if (at >= document.CountOf(BodyNumber())) return false;
-    const std::uint32_t record = document.Body(BodyNumber()).first + at;
-    const bool is_object = document.MadeElement(record) != nullptr;
-    PlaceAt(BodyNumber(), is_object ? record | kIsObject : record);
-    return true;
+    PlaceAt(BodyNumber(), number);
+  } else {
+    State().current_record = cursor.record;
+    State().current_index = index;
   }
-  ixomep::ParserState& state = State();
-  if (state.records == nullptr) {
+  return true;
+}
+
+[[gnu::noinline]] bool IxoMepParser::GoTo(std::uint32_t at) noexcept {
+  const ixomep::RecordRange records = Records();
+  if (records.document == nullptr) {
+    ixomep::ParserState& state = State();
     if (at >= state.elements.size()) return false;
     state.current = state.elements[at].get();
-  } else {
-    if (at >= state.record_count) return false;
-    const std::uint32_t record = state.first_record + at;
-    const bool is_record = state.records->MadeElement(record) == nullptr;
-    state.current_record = is_record ? &state.records->Element(record) : nullptr;
+    state.current_index = static_cast<std::int32_t>(at);
+    return true;
   }
-  state.current_index = index;
+  if (at >= records.count) return false;
+  const std::uint32_t number = records.first + at;
+  const bool is_record = records.document->MadeElement(number) == nullptr;
+  const ixomep::ElementRecord& record = records.document->Element(number);
+  if (IsBodyNumber()) {
+    PlaceAt(BodyNumber(), is_record ? number : number | kIsObject);
+  } else {
+    State().current_record = is_record ? &record : nullptr;
+    State().current_index = static_cast<std::int32_t>(at);
+  }
+  last_asked.Forget(this);
+  if (is_record) last_asked = Cursor(this, records, record, /*is_without_element=*/false);
   return true;
+}
+
+[[gnu::noinline]] void IxoMepParser::Aim() const noexcept {
+  const ixomep::ElementRecord* const record = FindRecord();
+  if (record == nullptr || last_asked.IsAt(this)) return;
+  last_asked = Cursor(this, Records(), *record, GetCurElemIndex() < 0);
 }
 
 const IxoMepElement* IxoMepParser::GetElement(std::int32_t index) const noexcept {
@@ -119,7 +149,16 @@ String IxoMepParser::GetElemText(std::int32_t index) const {
 
 // --- Attributes -------------------------------------------------------------------------------
 
-std::int32_t IxoMepParser::GetAttrCount() const { return CurrentView().AttrCount(); }
+std::int32_t IxoMepParser::GetAttrCount() const {
+  if (!last_asked.IsAt(this)) [[unlikely]]
+    return CountAttributes();
+  return static_cast<std::int32_t>(last_asked.attribute_count);
+}
+
+[[gnu::noinline]] std::int32_t IxoMepParser::CountAttributes() const noexcept {
+  Aim();
+  return CurrentView().AttrCount();
+}
 
 std::int32_t IxoMepParser::GetAttrCount(std::int32_t index) const {
   const ElementView element = ViewAt(index);
@@ -127,13 +166,13 @@ std::int32_t IxoMepParser::GetAttrCount(std::int32_t index) const {
 }
 
 String IxoMepParser::GetAttrNameOfPos(std::int32_t pos) const {
-  if (const AttributeRecord* const record = CurrentAttribute(pos)) {
-    return TextOf(CurrentDocument().Names(), record->name);
-  }
-  return NameAt(pos);
+  if (!last_asked.HasAttribute(this, pos)) [[unlikely]]
+    return NameAt(pos);
+  return TextOf(last_asked.document->Names(), last_asked.attributes[pos].name);
 }
 
 [[gnu::noinline]] String IxoMepParser::NameAt(std::int32_t pos) const noexcept {
+  Aim();
   return NameOf(CurrentView().Attr(pos));
 }
 
@@ -143,14 +182,15 @@ String IxoMepParser::GetAttrNameOfPos(std::int32_t index, std::int32_t pos) cons
 }
 
 String IxoMepParser::GetModifierOfPos(std::int32_t pos) const {
-  if (const AttributeRecord* const record = CurrentAttribute(pos)) {
-    if (record->modifier == ixomep::NameTable::kNoName) return String();
-    return TextOf(CurrentDocument().Names(), record->modifier);
-  }
-  return ModifierAt(pos);
+  if (!last_asked.HasAttribute(this, pos)) [[unlikely]]
+    return ModifierAt(pos);
+  const std::uint32_t modifier = last_asked.attributes[pos].modifier;
+  if (modifier == ixomep::NameTable::kNoName) return String();
+  return TextOf(last_asked.document->Names(), modifier);
 }
 
 [[gnu::noinline]] String IxoMepParser::ModifierAt(std::int32_t pos) const noexcept {
+  Aim();
   return ModifierOf(CurrentView().Attr(pos));
 }
 
@@ -195,7 +235,17 @@ IxoMepValue* IxoMepParser::GetValueOfPos(std::int32_t pos) const {
   return attribute && attribute.HasValue() ? ValueOf(Current().GetAttr(pos)) : nullptr;
 }
 
-IxoMepParser* IxoMepParser::GetBodyParser() const { return BodyOf(CurrentView()); }
+IxoMepParser* IxoMepParser::GetBodyParser() const {
+  if (!last_asked.IsAt(this)) [[unlikely]]
+    return Body();
+  const std::uint32_t body = last_asked.record->body;
+  return body != ixomep::kNoRecord ? MadeBody(*last_asked.document, body) : nullptr;
+}
+
+[[gnu::noinline]] IxoMepParser* IxoMepParser::Body() const noexcept {
+  Aim();
+  return BodyOf(CurrentView());
+}
 
 IxoMepParser* IxoMepParser::GetBodyParser(const String& name) const {
   return BodyOf(CurrentView().FindAttr(name));

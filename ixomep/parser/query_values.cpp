@@ -1,11 +1,14 @@
 // Typed values: a stored value is resolved (Resolve) and then converted, by one conversion for
 // each type. The forms of a getter differ only in where the stored value comes from.
+#include <algorithm>
+#include <bit>
 #include <exception>
 #include <functional>
 #include <utility>
 
 #include "ixomep/expr/expression_parser.h"
 #include "ixomep/expr/guarded.h"
+#include "ixomep/host/short_text.h"
 #include "ixomep/parser/element_view.h"
 #include "ixomep/parser/literal_reader.h"
 #include "ixomep/parser/parser.h"
@@ -14,6 +17,7 @@
 #include "ixomep/values/slot.h"
 #include "ixomep/values/units.h"
 
+using ixomep::last_asked;
 using Type = IxoMepValueType;
 
 namespace {
@@ -49,27 +53,50 @@ bool IsText(const ixomep::LiteralRecord& literal) noexcept {
          literal.Kind() == ixomep::LiteralKind::Escaped;
 }
 
-// The text of a string goes straight from the definition text into the result.
-String TextOf(const ixomep::Document& document, const ixomep::LiteralRecord& literal) {
-  const std::string_view source(document.Text().c_str() + literal.at, literal.size);
-  return literal.Kind() == ixomep::LiteralKind::String ? String(source) : ixomep::Unescape(source);
-}
-
-String TextOrNone(const ixomep::Document& document, const ixomep::LiteralRecord& literal) noexcept {
-  try {
-    return TextOf(document, literal);
-  } catch (const std::exception&) {
-    return String();
-  }
-}
-
-bool TakeText(const ixomep::Document& document, const ixomep::LiteralRecord& literal,
-              String& out) noexcept {
+// The text of a string goes straight from the definition text into the result. False, and nothing
+// is done, for other values and without the memory.
+[[gnu::noinline]] bool TakeText(const ixomep::Document& document,
+                                const ixomep::LiteralRecord& literal, String& out) noexcept {
   if (!IsText(literal)) return false;
+  const std::string_view text = document.Text().view();
   return ixomep::OrNeutral(false, [&] {
-    out = TextOf(document, literal);
+    if (literal.Kind() == ixomep::LiteralKind::String) {
+      out = String(std::string_view(text.data() + literal.at, literal.size));
+    } else {
+      ixomep::UnescapePart(text, literal.at, literal.size, out);
+    }
     return true;
   });
+}
+
+// The same into an empty text, with the common way first.
+inline bool CopyLiteral(const ixomep::Document& document, const ixomep::LiteralRecord& literal,
+                        String& out) noexcept {
+  const bool is_plain = literal.Kind() == ixomep::LiteralKind::String;
+  if (is_plain &&
+      ixomep::ShortText::CopyPart(document.Text().view(), literal.at, literal.size, out)) {
+    return true;
+  }
+  return TakeText(document, literal, out);
+}
+
+[[gnu::noinline]] const ixomep::LiteralRecord* AnyLiteralAtCursor(const String& name) noexcept {
+  const ixomep::Document& document = *last_asked.document;
+  const std::uint32_t index = document.FindAttribute(*last_asked.record, name);
+  return index != ixomep::kNoRecord ? &document.Attribute(index).literal : nullptr;
+}
+
+// The literal of the attribute with the name at the cursor; null when there is none. Mostly it is
+// one of the first, and the name one that the host has just been told.
+[[gnu::noinline]] const ixomep::LiteralRecord* LiteralAtCursor(const String& name) noexcept {
+  const ixomep::Document& document = *last_asked.document;
+  const std::uint32_t number = document.Names().FindLast(name);
+  const bool has_four = document.HasFour(last_asked.record->first_attribute);
+  if (number == ixomep::NameTable::kUnknown || !has_four) return AnyLiteralAtCursor(name);
+  const std::uint32_t hits = ixomep::Document::HitsAmongFour(last_asked.attributes, number);
+  const auto found = static_cast<std::uint32_t>(std::countr_zero(hits | 16));
+  if (found >= std::min(last_asked.attribute_count, 4U)) return AnyLiteralAtCursor(name);
+  return &last_asked.attributes[found].literal;
 }
 
 bool Fits(Type expected, Type found) noexcept {
@@ -138,16 +165,15 @@ Type IxoMepParser::TypeOf(const ixomep::ValueView& stored) const {
   return type;
 }
 
-bool IxoMepParser::FindLiteralType(const ixomep::LiteralRecord& literal,
-                                   Type& type) const noexcept {
-  return ixomep::GetLiteralType(literal, type) &&
-         (type != Type::Expression || GetVars() == nullptr);
+IxoMepValueType IxoMepParser::GetValueType() const {
+  if (!last_asked.IsAt(this)) [[unlikely]]
+    return OwnType();
+  const Type type = ixomep::kSettledTypes[last_asked.record->literal.kind];
+  return type != ixomep::kOpenType ? type : OwnType();
 }
 
-IxoMepValueType IxoMepParser::GetValueType() const {
-  const ixomep::ElementRecord* const record = CurrentRecord();
-  Type type = Type::Undefined;
-  if (record != nullptr && FindLiteralType(record->literal, type)) return type;
+[[gnu::noinline]] IxoMepValueType IxoMepParser::OwnType() const {
+  Aim();
   return TypeOf(OwnValue());
 }
 
@@ -156,13 +182,14 @@ IxoMepValueType IxoMepParser::GetValueType(const String& name) const {
 }
 
 IxoMepValueType IxoMepParser::GetValueTypeOfPos(std::int32_t pos) const {
-  const ixomep::AttributeRecord* const record = CurrentAttribute(pos);
-  Type type = Type::Undefined;
-  if (record != nullptr && FindLiteralType(record->literal, type)) return type;
-  return TypeAt(pos);
+  if (!last_asked.HasAttribute(this, pos)) [[unlikely]]
+    return TypeAt(pos);
+  const Type type = ixomep::kSettledTypes[last_asked.attributes[pos].literal.kind];
+  return type != ixomep::kOpenType ? type : TypeAt(pos);
 }
 
 [[gnu::noinline]] IxoMepValueType IxoMepParser::TypeAt(std::int32_t pos) const {
+  Aim();
   return TypeOf(ValueAt(pos));
 }
 
@@ -227,27 +254,31 @@ bool IxoMepParser::TryGetStrValue(const String& name, String& value) const {
 }
 
 String IxoMepParser::GetStrValue() const {
-  const ixomep::ElementRecord* const record = CurrentRecord();
-  if (record != nullptr && IsText(record->literal)) {
-    return TextOrNone(CurrentDocument(), record->literal);
-  }
-  return StrValueOf(nullptr);
+  String value;
+  const bool is_copied =
+      last_asked.IsAt(this) && CopyLiteral(*last_asked.document, last_asked.record->literal, value);
+  if (!is_copied) [[unlikely]]
+    ReadText(nullptr, value);
+  return value;
 }
 
 String IxoMepParser::GetStrValue(const String& name) const {
-  const ixomep::LiteralRecord* const literal = NamedLiteral(name);
-  if (literal != nullptr && IsText(*literal)) return TextOrNone(CurrentDocument(), *literal);
-  return StrValueOf(&name);
+  String value;
+  const ixomep::LiteralRecord* const literal =
+      last_asked.IsAt(this) ? LiteralAtCursor(name) : nullptr;
+  const bool is_copied = literal != nullptr && CopyLiteral(*last_asked.document, *literal, value);
+  if (!is_copied) [[unlikely]]
+    ReadText(&name, value);
+  return value;
 }
 
-[[gnu::noinline]] String IxoMepParser::StrValueOf(const String* name) const {
-  String value;
+[[gnu::noinline]] void IxoMepParser::ReadText(const String* name, String& value) const noexcept {
+  if (!last_asked.IsAt(this)) Aim();
   if (name != nullptr) {
     TryGetStrValue(*name, value);
   } else {
     TryGetStrValue(value);
   }
-  return value;
 }
 
 bool IxoMepParser::TryGetIntValue(std::int32_t& value) const {

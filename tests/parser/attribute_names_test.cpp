@@ -97,7 +97,8 @@ void ExpectFromObject(const IxoMepElement& object, const Attributes& element) {
 class AttributeNames : public testing::TestWithParam<Names> {};
 
 TEST_P(AttributeNames, Find_the_first_of_the_name_among_any_number) {
-  for (const std::size_t count : {0u, 1u, 2u, 31u, 32u, 33u, 34u, 64u, 65u, 66u, 500u}) {
+  for (const std::size_t count :
+       {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 31u, 32u, 33u, 34u, 64u, 65u, 66u, 500u}) {
     const Attributes element{"MANY", MakeNames(GetParam(), count)};
     for (const bool is_quick : {true, false}) {
       QuickReading::Use(is_quick);

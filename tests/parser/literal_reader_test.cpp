@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ixomep/expr/expression_parser.h"
+#include "ixomep/parser/literal_reader.h"
 #include "ixomep/parser/parser.h"
 #include "ixomep/values/error.h"
 #include "ixomep/values/value.h"
@@ -230,6 +233,55 @@ TEST(LiteralArray, Extent_counts_braces_only) {
   EXPECT_EQ(LiteralOf("{1 (* } *), 2}"), "array {1, 2}");
   EXPECT_EQ(LiteralOf("{1, # }\n 2}"), "array {1, 2}");
   EXPECT_EQ(ReadLiteralAt("{1 ) } x").position, 6);
+}
+
+// --- Parts of a text ---------------------------------------------------------------------------
+
+// All texts of up to that many pieces, each beside what it stands for.
+struct Escaped {
+  std::string written;
+  std::string meant;
+};
+
+std::vector<Escaped> AllEscaped(int most) {
+  const std::string run = "fifteen letters";
+  const std::vector<Escaped> pieces = {
+      {"\\n", "\n"}, {"\\\"", "\""}, {"\\\\", "\\"}, {"a", "a"}, {run, run}};
+  std::vector<Escaped> all = {{"", ""}};
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (all[i].written.size() >= static_cast<std::size_t>(most)) continue;
+    for (const Escaped& piece : pieces) {
+      all.push_back({all[i].written + piece.written, all[i].meant + piece.meant});
+    }
+  }
+  return all;
+}
+
+TEST(EscapedParts, Are_the_same_wherever_they_stand) {
+  const std::string before = "\\before\\";
+  for (const Escaped& escaped : AllEscaped(7)) {
+    EXPECT_EQ(Unescape(escaped.written), escaped.meant);
+    for (const std::size_t behind : {0u, 1u, 15u, 16u, 100u}) {
+      const std::string text = before + escaped.written + std::string(behind, '\\');
+      String part("what was there");
+      UnescapePart(text, before.size(), escaped.written.size(), part);
+      ASSERT_EQ(part, escaped.meant) << escaped.written << ' ' << behind;
+      ASSERT_EQ(part.c_str()[part.Len()], '\0');
+      ASSERT_EQ(part + "end", escaped.meant + "end");
+    }
+  }
+}
+
+TEST(EscapedParts, Of_any_length_are_read_without_the_memory_of_another_one) {
+  for (const std::size_t size : {10u, 60u, 70u, 600u, 100000u}) {
+    const std::string text = Repeated("ab\\\"", size / 4) + std::string(20, ' ');
+    String part;
+    UnescapePart(text, 0, size / 4 * 4, part);
+    EXPECT_EQ(part, Repeated("ab\"", size / 4));
+    const ScopedMemoryLimit limit(0);
+    EXPECT_THROW(UnescapePart(text, 0, size / 4 * 4, part), std::bad_alloc);
+    EXPECT_EQ(part, Repeated("ab\"", size / 4));
+  }
 }
 
 TEST(LiteralMemory, String_beyond_the_memory_fails_with_37) {
