@@ -29,6 +29,23 @@ Number Load(const char* bytes) noexcept {
 }
 inline std::uint64_t LoadWord(const char* bytes) noexcept { return Load<std::uint64_t>(bytes); }
 inline std::uint32_t LoadHalf(const char* bytes) noexcept { return Load<std::uint32_t>(bytes); }
+// Two bytes of a number, the lower one first.
+inline void StorePair(char* bytes, std::uint32_t pair) noexcept {
+  const auto low = static_cast<std::uint16_t>(pair);
+  if constexpr (std::endian::native == std::endian::little) {
+    std::memcpy(bytes, &low, sizeof low);
+  } else {
+    bytes[0] = static_cast<char>(low & 0xFF);
+    bytes[1] = static_cast<char>(low >> 8);
+  }
+}
+
+// The place of the lowest bit of a mask that has one: without a question whether it has, which
+// std::countr_zero must ask where the processor's instruction does not answer it.
+inline std::uint32_t FirstBit(std::uint64_t mask) noexcept {
+  if (mask == 0) __builtin_unreachable();
+  return static_cast<std::uint32_t>(std::countr_zero(mask));
+}
 
 // The byte eight times.
 constexpr std::uint64_t Eightfold(unsigned char byte) noexcept {
@@ -112,6 +129,9 @@ class WordPair {
       return block.Between('\t', '\r') | block.IsAny<' ', '\xA0'>();
     });
   }
+  std::uint32_t ClosersAndColons() const noexcept {
+    return Of([](const WordBlock& block) { return block.IsAny<'}', ':'>(); });
+  }
   // What a keyword, an attribute's name, a number may have behind its first byte.
   std::uint32_t InKeyword() const noexcept {
     return Of([](const WordBlock& block) { return block.Between('A', 'Z') | block.Is('_'); });
@@ -189,9 +209,15 @@ class VectorBlock {
     return MaskOf(_mm_cmpeq_epi8(bytes_, other.bytes_));
   }
   Mask White() const noexcept {
-    const __m128i blanks = _mm_or_si128(Equal(' '), Equal('\xA0'));
-    return MaskOf(_mm_or_si128(blanks, Range(bytes_, '\t', '\r')));
+    // Both blanks are the same but for their highest bit. Moved up to the end of the signed
+    // numbers, the bytes from tabulator to carriage return are the greatest ones.
+    const __m128i low_bits = _mm_and_si128(bytes_, _mm_set1_epi8(0x7F));
+    const __m128i blanks = _mm_cmpeq_epi8(low_bits, _mm_set1_epi8(' '));
+    const __m128i moved = _mm_add_epi8(bytes_, _mm_set1_epi8(0x7F - '\r'));
+    const __m128i controls = _mm_cmpgt_epi8(moved, _mm_set1_epi8(0x7F - '\r' + '\t' - 1));
+    return MaskOf(_mm_or_si128(blanks, controls));
   }
+  Mask ClosersAndColons() const noexcept { return IsAny<'}', ':'>(); }
   Mask InKeyword() const noexcept {
     return MaskOf(_mm_or_si128(Equal('_'), Range(bytes_, 'A', 'Z')));
   }

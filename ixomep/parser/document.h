@@ -83,6 +83,15 @@ static_assert(sizeof(ElementRecord) == 28);
 struct BodyRecord {
   static constexpr std::uint32_t kMostOffset = (std::uint32_t{1} << 31) - 1;  // any text's length
 
+  BodyRecord(std::uint32_t first_element, std::uint32_t text_start, std::uint32_t text_end,
+             bool has_loose_element) noexcept
+      : first(first_element & kMostOffset),
+        has_parser(0),
+        start(text_start & kMostOffset),
+        has_loose(has_loose_element),
+        end(text_end & kMostOffset),
+        is_left_at_last(0) {}
+
   std::uint32_t first : 31;              // element
   mutable std::uint32_t has_parser : 1;  // it has been asked for
   std::uint32_t start : 31;

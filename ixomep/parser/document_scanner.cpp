@@ -31,7 +31,7 @@ DocumentScanner::DocumentScanner(Document& document)
   const auto bytes = static_cast<std::uint32_t>(end_ - at_);
   // Only where there is plenty of memory.
   if (MemoryBudget::MayTake(std::size_t{4} * bytes)) {
-    document.elements_.Reserve(bytes / kBytesOfElement + 4);
+    pending_elements_.Reserve(bytes / kBytesOfElement + 4);
     document.attributes_.Reserve(bytes / kBytesOfAttribute + 8);
   }
 }
@@ -39,9 +39,7 @@ DocumentScanner::DocumentScanner(Document& document)
 bool DocumentScanner::Read(FoldedLiterals& folded) {
   if (!Scan() && !ScanWithStatements()) return false;
   if (!Fold(folded)) return false;
-  BodyRecord whole{};
-  whole.first = first_ & BodyRecord::kMostOffset;
-  document_.bodies_.Push(whole);
+  document_.bodies_.Push(BodyRecord(first_, 0, 0, false));
   document_.elements_.Trim();
   document_.attributes_.Trim();
   document_.bodies_.Trim();
@@ -113,13 +111,13 @@ bool DocumentScanner::ReadElement() {
       (*at_ != '{' || OpensArray(at_))) {
     if (!ReadLiteral(element.literal, element.start) || !EndsAt(at_)) return false;
     end = at_;
-    form = Form::Element;
+    form = Form::OtherElement;
   }
-  if (form == Form::Element && !IsQuick(next, kQuickWhite)) {
+  if (form == Form::OtherElement && !IsQuick(next, kQuickWhite)) {
     // Not every value may touch the keyword: such items are looked at each time.
     last_ = element.keyword + kAfterName;
   } else {
-    Learn(form, form == Form::Element ? value : end, element.keyword, NameTable::kNoName);
+    Learn(form, form == Form::OtherElement ? value : end, element.keyword, NameTable::kNoName);
   }
   // Without a value the white space stays, so that a line feed in it starts a statement.
   at_ = end;
@@ -136,9 +134,8 @@ void DocumentScanner::AddElement(const ElementRecord& element) {
   pending_elements_.Push(element);
 }
 
-// The owner of the attributes gets no more of them.
-void DocumentScanner::FinishElement() {
-  if (frame_.owner == kNoRecord) return;
+// The owner of the attributes gets no more of them, where some came behind those of bodies.
+void DocumentScanner::FinishSplitElement() {
   if (frame_.is_pending) {
     const std::uint32_t first = document_.attributes_.Size();
     document_.attributes_.TakeTail(pending_attributes_, frame_.attributes);
@@ -216,7 +213,7 @@ bool DocumentScanner::ReadAttributeValue(AttributeRecord& attribute) {
   if (!IsQuick(*at_, kQuickLiteral) ||
       !ReadLiteral(attribute.literal, pending_elements_[frame_.owner].start))
     return false;
-  Learn(Form::Attribute, value, attribute.name, attribute.modifier);
+  Learn(Form::Other, value, attribute.name, attribute.modifier);
   gap_ = at_;
   AddAttribute(attribute);
   return EndsAt(at_);
@@ -252,14 +249,15 @@ bool DocumentScanner::OpenBody(bool is_attribute) {
   }
   if (!frame_.is_split) frame_.attributes_end = document_.attributes_.Size();
   outer_.push_back(frame_);
-  frame_ = Frame();
-  frame_.elements = pending_elements_.Size();
-  frame_.attributes = document_.attributes_.Size();
-  attributes_ = &document_.attributes_;
-  frame_.is_attribute = is_attribute;
   ++at_;
+  Frame inner;
+  inner.start = OffsetOf(at_);
+  inner.elements = pending_elements_.Size();
+  inner.attributes = document_.attributes_.Size();
+  inner.is_attribute = is_attribute;
+  frame_ = inner;
+  attributes_ = &document_.attributes_;
   last_ = kAfterOpener;
-  frame_.start = OffsetOf(at_);
   gap_ = at_;
   is_fresh_ = true;
   return true;
@@ -270,12 +268,8 @@ bool DocumentScanner::CloseBody() {
   FinishElement();
   const std::uint32_t number = document_.bodies_.Size();
   const std::uint32_t first = document_.elements_.Size() + (frame_.has_loose ? 1 : 0);
-  BodyRecord body{};
-  body.first = first & BodyRecord::kMostOffset;
-  body.start = frame_.start & BodyRecord::kMostOffset;
-  body.end = OffsetOf(at_) & BodyRecord::kMostOffset;
-  body.has_loose = frame_.has_loose;
-  document_.bodies_.Push(body);
+  document_.bodies_.Next() = BodyRecord(first, frame_.start, OffsetOf(at_), frame_.has_loose);
+  document_.bodies_.PushNext();
   document_.elements_.TakeTail(pending_elements_, frame_.elements);
   const bool must_end = frame_.is_attribute;
   frame_ = outer_.back();

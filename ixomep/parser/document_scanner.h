@@ -13,6 +13,7 @@
 #include "ixomep/host/limit_watch.h"
 #include "ixomep/parser/byte_block.h"
 #include "ixomep/parser/byte_kinds.h"
+#include "ixomep/parser/byte_map.h"
 #include "ixomep/parser/document.h"
 #include "ixomep/parser/folded.h"
 #include "ixomep/parser/name_table.h"
@@ -64,10 +65,22 @@ class DocumentScanner {
     bool is_pending = false;
   };
 
-  enum class Form : std::uint8_t { None, Option, Attribute, Element, BareElement };
-  // What an item is, up to its value.
+  static constexpr std::uint32_t LowBits(std::size_t count) noexcept {
+    return count < 32 ? (std::uint32_t{1} << count) - 1 : 0xFFFFFFFFu;
+  }
+  // What an item is; of its value no more than how it begins.
+  enum class Form : std::uint8_t {
+    None,
+    Option,
+    String,  // an attribute; what is left is behind the opening quote
+    Other,   // an attribute, with a number, mostly
+    StringElement,
+    OtherElement,
+    BareElement
+  };
+  // An item up to its value.
   struct Head {
-    std::uint8_t size;  // up to the value, where it has one
+    std::uint8_t size;  // up to the value, where it has one, the opening quote of a string included
     std::uint8_t gap;   // of the white space before it
     Form form;
     bool starts_line;
@@ -77,16 +90,42 @@ class DocumentScanner {
   // What followed an item when it was met last. Before that: no item, and as many bytes as seldom
   // repeat.
   struct Follower {
-    std::uint32_t at = 0;  // of the white space before it
+    Follower() = default;
+    Follower(std::uint32_t place, const Head& item) noexcept
+        : at(place), bytes(LowBits(item.size)), head(item) {}
+
+    std::uint32_t at = 0;                      // of the white space before it
+    std::uint32_t bytes = LowBits(kMostHead);  // a bit for each byte of the head
     Head head = {kMostHead, 0, Form::None, false, NameTable::kNoName, NameTable::kNoName};
+    // Up to the end of its value, where its head has been met twice.
+    std::uint32_t size = 0;
+    // Its value, if that is a number: where it stands, a bit for each byte and each digit.
+    std::uint32_t number = 0;
+    std::uint32_t number_bytes = LowBits(32);
+    std::uint32_t digits = 0;
+    LiteralKind number_kind = LiteralKind::None;
+    std::int32_t credit = kLikeCredit;  // of guesses that the next one is like it
   };
+  // A run that is being read.
+  struct Run {
+    const char* at;
+    AttributeRecord* next;
+    const AttributeRecord* room_end;  // `next` where no attribute may come
+    std::uint32_t last;               // what last_ is in the end
+  };
+  enum class RunEnd : std::uint8_t { Change, Look, Fail };  // another way, a closer look, no way
   // How many bytes of an item up to its value are compared with those of another one.
   static constexpr std::uint8_t kMostHead = 2 * ByteRun::kSize;
+  // What right guesses count for at most: at what follows; that a number is like the one before.
+  static constexpr std::int32_t kMostCredit = 24;
+  static constexpr std::int32_t kLikeCredit = 8;
   // How many bytes an item may have up to the middle of its value and what is read at once there.
   static constexpr std::ptrdiff_t kRunRoom = 128;
   // How many bytes are looked at together for the end of a string: most strings are shorter, and
   // a processor guesses wrong in a loop that ends after one round or after two.
   static constexpr std::ptrdiff_t kBlockRoom = 32;
+  // How many bytes of a map an item may take up to the middle of its value.
+  static constexpr std::ptrdiff_t kMapRoom = 192;
   // Items by what they are known for: a brace, or the name with a number.
   static constexpr std::uint32_t kAfterCloser = 0;
   static constexpr std::uint32_t kAfterOpener = 1;
@@ -95,9 +134,32 @@ class DocumentScanner {
   bool Scan();
   bool ScanWithStatements();
   bool ReadRun();
+  RunEnd ReadForeseen();
+  RunEnd ReadMapped();
+  Run StartRun() const noexcept;
+  RunEnd EndRun(const Run& run, const char* start, RunEnd how);
+  bool ReadBrace(Item item, Run& run, std::uint32_t gap);
+  bool AddForeseen(Follower& follower, Run& run);
+  bool MayBeStatement(const Head& head, bool is_first) const noexcept {
+    return head.form < Form::StringElement && (head.starts_line || (is_first && is_fresh_));
+  }
+  template <class Ends>
+  bool AddItem(const Head& head, const char* start, const char* value, Run& run);
+  static void AddPlainAttribute(std::uint32_t name, std::uint32_t modifier, const char* end,
+                                Run& run);
+  template <class Ends>
+  bool AddPlainElement(const Head& head, const char* start, const char* value, Run& run);
+  bool HasRoom(Run& run);
+  bool MakeRoom(Run& run);
+  // Whether attributes may be added behind those of the element before.
+  bool HasOwner() const noexcept { return frame_.owner != kNoRecord && !frame_.is_split; }
+  bool MayMap(const char* at) const noexcept {
+    return next_semicolon_ == nullptr &&
+           (map_.Covers(at, kMapRoom) || end_ - at >= ByteMap::kLeast);
+  }
   Item FindHead(const char* at, Head& head) const noexcept;
+  const char* FindTail(const char* end, Item item, Head& head) const noexcept;
   bool FindModifier(const char*& end, Head& head) const noexcept;
-  bool AddPlainElement(const Head& head, const char*& at);
   void Learn(Form form, const char* end, std::uint32_t name, std::uint32_t modifier);
   void AddElement(const ElementRecord& element);
   bool ReadElement();
@@ -111,7 +173,9 @@ class DocumentScanner {
   bool ReadRareNumber(LiteralRecord& literal);
   // These move `at` behind the literal that stands there; false, and nothing is moved, when there
   // is none.
+  template <class Ends>
   bool ReadString(const char*& at, LiteralRecord& literal) const noexcept;
+  template <class Ends>
   bool ReadPlainNumber(const char*& at, LiteralRecord& literal) const noexcept;
   bool ReadPlainLiteral(const char*& at, LiteralRecord& literal) const noexcept;
   bool ReadExpression(LiteralRecord& literal, std::uint32_t start);
@@ -123,7 +187,15 @@ class DocumentScanner {
   bool SkipLineComment() noexcept;
   bool ReadRest();
 
-  void FinishElement();
+  // The owner of the attributes gets no more of them.
+  void FinishElement() {
+    if (frame_.is_split || frame_.is_pending) [[unlikely]] {
+      if (frame_.owner != kNoRecord) FinishSplitElement();
+    } else {
+      SetAttributes(document_.attributes_.Size());
+    }
+  }
+  void FinishSplitElement();
   // The attributes of the owner, if there is one, end there.
   void SetAttributes(std::uint32_t end) noexcept {
     if (frame_.owner == kNoRecord) return;
@@ -136,6 +208,9 @@ class DocumentScanner {
   bool IsAtStatementStart() const noexcept;
   // Whether a statement stands at the position; end is its ";", kNoRecord for none.
   bool FindStatement(std::uint32_t& end);
+  // How the end of a value is found: in the bytes, or in the map of them.
+  struct InBytes;
+  struct InMap;
   // The first quote or backslash from a position on; the end of the text when there is none.
   const char* FindQuote(const char* at) const noexcept {
     for (; at < block_end_; at += kBlockRoom) {
@@ -143,7 +218,7 @@ class DocumentScanner {
       for (std::ptrdiff_t i = 0; i < kBlockRoom; i += std::ptrdiff_t{ByteRun::kSize}) {
         hits |= std::uint64_t{ByteRun(at + i).Quotes()} << i;
       }
-      if (hits != 0) return at + std::countr_zero(hits);
+      if (hits != 0) return at + FirstBit(hits);
     }
     while (at != end_ && *at != '"' && *at != '\\') ++at;
     return at;
@@ -184,8 +259,9 @@ class DocumentScanner {
   std::vector<char> brackets_;
   LongWork work_;
 
-  RecordArray<Follower> followers_;  // by the item before
-  std::int32_t credit_ = 0;          // of guesses at what follows
+  RecordArray<Follower> followers_;    // by the item before
+  std::int32_t credit_ = kMostCredit;  // of guesses at what follows
+  ByteMap map_;
   std::uint32_t last_ = kAfterCloser;
   const char* item_ = nullptr;  // the white space before the item that is being read
 

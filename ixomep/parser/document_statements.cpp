@@ -28,7 +28,7 @@ bool DocumentScanner::ScanWithStatements() {
   outer_.clear();
   attributes_ = &document_.attributes_;
   followers_.Clear();
-  credit_ = 0;
+  credit_ = kMostCredit;
   last_ = kAfterCloser;
   is_fresh_ = true;
   next_semicolon_ = text_;

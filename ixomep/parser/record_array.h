@@ -1,4 +1,5 @@
-// Internal: a growing array of plain records. Its bytes count in the memory budget.
+// Internal: a growing array of plain records. Its bytes count in the memory budget. Large arrays
+// use blocks of earlier ones again: memory that has been written before is had much faster.
 #pragma once
 
 #include <algorithm>
@@ -54,12 +55,19 @@ class RecordArray {
   // Appends what stands from an index on in another array, and cuts that array there.
   void TakeTail(RecordArray& other, std::uint32_t from) {
     const std::uint32_t count = other.size_ - from;
+    if (size_ == 0 && from == 0) return Swap(other);
     if (count > capacity_ - size_) [[unlikely]]
       Grow(count);
     // Mostly a few records: not worth a call.
     for (std::uint32_t i = 0; i < count; ++i) data_[size_ + i] = other.data_[from + i];
     size_ += count;
     other.size_ = from;
+  }
+  void Swap(RecordArray& other) noexcept {
+    std::swap(data_, other.data_);
+    std::swap(block_bytes_, other.block_bytes_);
+    std::swap(size_, other.size_);
+    std::swap(capacity_, other.capacity_);
   }
   void Reserve(std::uint32_t capacity) {
     if (capacity > capacity_) SetCapacity(capacity);
@@ -92,9 +100,10 @@ class RecordArray {
   }
 
   void Free() noexcept {
-    std::free(data_);
+    Discard(data_, block_bytes_);
     MemoryBudget::Give(std::size_t{capacity_} * sizeof(Record));
     data_ = nullptr;
+    block_bytes_ = 0;
     capacity_ = 0;
   }
 
@@ -102,29 +111,45 @@ class RecordArray {
     const std::size_t before = std::size_t{capacity_} * sizeof(Record);
     const std::size_t bytes = std::size_t{capacity} * sizeof(Record);
     MemoryBudget::Take(bytes);
-    void* const block = Resized(bytes);
-    if (block == nullptr) {
+    if (!Resize(bytes)) {
       MemoryBudget::Give(bytes);
       throw std::bad_alloc();
     }
     MemoryBudget::Give(before);
-    data_ = static_cast<Record*>(block);
     capacity_ = capacity;
   }
 
-  // The records in a block of that size; null when it cannot be had.
-  void* Resized(std::size_t bytes) const noexcept {
-    if (bytes < LargeBlocks::kFrom || bytes <= std::size_t{capacity_} * sizeof(Record)) {
-      return std::realloc(static_cast<void*>(data_), bytes);
+  // Whether the records are in a block of so many bytes now. It may have a third more of them, or
+  // as many more as are not worth to be given back.
+  bool Resize(std::size_t bytes) noexcept {
+    if (bytes <= block_bytes_ && block_bytes_ - bytes <= bytes / 3 + IdleBlocks::kLeast)
+      return true;
+    std::size_t new_bytes = bytes;
+    void* block = nullptr;
+    const bool is_larger = bytes > block_bytes_;
+    if (is_larger) block = IdleBlocks::Take(new_bytes);
+    if (block == nullptr && is_larger && bytes >= LargeBlocks::kFrom) {
+      block = LargeBlocks::New(bytes);
+      if (block == nullptr) return false;
     }
-    void* const block = LargeBlocks::New(bytes);
-    if (block == nullptr || data_ == nullptr) return block;
-    std::memcpy(block, static_cast<const void*>(data_), std::size_t{size_} * sizeof(Record));
-    std::free(static_cast<void*>(data_));
-    return block;
+    if (block == nullptr) {
+      block = std::realloc(static_cast<void*>(data_), bytes);
+      if (block == nullptr) return false;
+    } else if (data_ != nullptr) {
+      std::memcpy(block, static_cast<const void*>(data_), std::size_t{size_} * sizeof(Record));
+      Discard(data_, block_bytes_);
+    }
+    data_ = static_cast<Record*>(block);
+    block_bytes_ = new_bytes;
+    return true;
+  }
+
+  static void Discard(Record* data, std::size_t bytes) noexcept {
+    if (data != nullptr) IdleBlocks::Give(static_cast<void*>(data), bytes);
   }
 
   Record* data_ = nullptr;
+  std::size_t block_bytes_ = 0;
   std::uint32_t size_ = 0;
   std::uint32_t capacity_ = 0;
 };

@@ -49,6 +49,75 @@ TEST(LargeBlocks, Hold_long_texts_that_grow_and_shrink) {
   EXPECT_EQ(text.Copy(5), "end");
 }
 
+// --- Blocks that are kept -----------------------------------------------------------------------
+
+class IdleBlocksTest : public ::testing::Test {
+ protected:
+  IdleBlocksTest() { IdleBlocks::Clear(); }
+  ~IdleBlocksTest() override { IdleBlocks::Clear(); }
+  static void Give(std::size_t bytes) { IdleBlocks::Give(std::malloc(bytes), bytes); }
+  // The size of the block that somebody gets who asks for so many bytes; 0 for none.
+  static std::size_t Taken(std::size_t bytes) {
+    void* const block = IdleBlocks::Take(bytes);
+    std::free(block);
+    return block != nullptr ? bytes : 0;
+  }
+  static constexpr std::size_t kLeast = IdleBlocks::kLeast;
+};
+
+TEST_F(IdleBlocksTest, A_block_given_back_serves_who_asks_next) {
+  void* const block = std::malloc(kLeast * 2);
+  IdleBlocks::Give(block, kLeast * 2);
+  EXPECT_EQ(IdleBlocks::Bytes(), kLeast * 2);
+  std::size_t bytes = kLeast + 1;
+  void* const taken = IdleBlocks::Take(bytes);
+  EXPECT_EQ(taken, block);
+  EXPECT_EQ(bytes, kLeast * 2);
+  EXPECT_EQ(IdleBlocks::Bytes(), 0U);
+  std::free(taken);
+}
+
+TEST_F(IdleBlocksTest, The_smallest_one_that_is_large_enough_is_taken) {
+  for (const std::size_t size : {kLeast * 5, kLeast, kLeast * 3}) Give(size);
+  EXPECT_EQ(Taken(kLeast * 2), kLeast * 3);
+  EXPECT_EQ(Taken(kLeast * 2), kLeast * 5);
+  EXPECT_EQ(Taken(kLeast * 2), 0U);
+  EXPECT_EQ(Taken(kLeast), kLeast);
+}
+
+TEST_F(IdleBlocksTest, Small_blocks_and_those_that_are_too_large_are_not_kept) {
+  Give(kLeast - 1);
+  Give(IdleBlocks::kMostBytes + 1);
+  EXPECT_EQ(IdleBlocks::Bytes(), 0U);
+  Give(IdleBlocks::kMostBytes);
+  EXPECT_EQ(IdleBlocks::Bytes(), IdleBlocks::kMostBytes);
+  EXPECT_EQ(Taken(kLeast - 1), 0U);
+}
+
+TEST_F(IdleBlocksTest, Neither_too_many_blocks_nor_too_many_bytes_are_kept) {
+  for (std::size_t i = 1; i <= IdleBlocks::kMostBlocks + 2; ++i) Give(kLeast * i);
+  std::size_t blocks = 0;
+  while (Taken(kLeast * 3) != 0) ++blocks;
+  EXPECT_EQ(blocks, IdleBlocks::kMostBlocks);
+  EXPECT_EQ(IdleBlocks::Bytes(), 0U);
+  for (int i = 0; i < 5; ++i) {
+    Give(IdleBlocks::kMostBytes / 4);
+    EXPECT_LE(IdleBlocks::Bytes(), IdleBlocks::kMostBytes);
+  }
+  EXPECT_EQ(IdleBlocks::Bytes(), IdleBlocks::kMostBytes);
+  // The smaller ones make room.
+  Give(IdleBlocks::kMostBytes / 2);
+  EXPECT_EQ(IdleBlocks::Bytes(), IdleBlocks::kMostBytes);
+  EXPECT_EQ(Taken(IdleBlocks::kMostBytes / 2), IdleBlocks::kMostBytes / 2);
+  // One that is smaller than all is not kept when there are too many.
+  IdleBlocks::Clear();
+  for (std::size_t i = 0; i < IdleBlocks::kMostBlocks; ++i) Give(kLeast * 2);
+  Give(kLeast);
+  EXPECT_EQ(IdleBlocks::Bytes(), kLeast * 2 * IdleBlocks::kMostBlocks);
+}
+
+// --- Texts in them ------------------------------------------------------------------------------
+
 TEST(StringTail, Is_the_room_behind_the_bytes) {
   String text = "some text";
   text.Reserve(100);

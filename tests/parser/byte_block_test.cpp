@@ -93,6 +93,7 @@ TYPED_TEST(ByteRunTest, Knows_every_byte_at_every_place) {
         check(run.InNumber(),
               [](char b) { return IsQuick(b, kQuickDigit | kQuickLower) || b == '.'; });
         check(run.LineFeeds(), [](char b) { return b == '\n'; });
+        check(run.ClosersAndColons(), [](char b) { return b == '}' || b == ':'; });
         check(run.Quotes(), [](char b) { return b == '"' || b == '\\'; });
       }
     }
@@ -110,6 +111,19 @@ TYPED_TEST(ByteRunTest, Finds_the_bytes_that_another_one_has_too) {
       EXPECT_EQ(TypeParam(bytes.data()).Same(TypeParam(others.data())), 0xFFFFU ^ 1U << place);
     }
   }
+}
+
+TEST(ByteBlock, First_bit_is_the_place_of_the_lowest_one) {
+  for (std::uint32_t place = 0; place < 64; ++place) {
+    EXPECT_EQ(FirstBit(std::uint64_t{1} << place), place);
+    EXPECT_EQ(FirstBit(~std::uint64_t{0} << place), place);
+  }
+}
+
+TEST(ByteBlock, Pairs_are_stored_with_the_lower_byte_first) {
+  std::array<char, 3> bytes{};
+  StorePair(bytes.data(), 0x4241);
+  EXPECT_EQ(std::string_view(bytes.data(), bytes.size()), std::string_view("AB\0", 3));
 }
 
 TEST(ByteBlock, Words_have_the_first_byte_lowest) {

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ixomep/parser/document_scanner.h"
 #include "ixomep/parser/element_view.h"
@@ -34,12 +35,26 @@ bool IsReadQuickly(const std::string& text) {
 // So that the end of the text is far from all that is looked at.
 std::string Padded(const std::string& text) { return text + '\n' + std::string(200, ' '); }
 
-// Twice, so that all names are known the second time.
+// The same for a text that is long enough to be looked at in a map of its bytes.
+std::string PaddedFar(const std::string& text) { return text + '\n' + std::string(800, ' '); }
+
+// Items of which none can be foreseen: behind them no guesses are made any more.
+std::string Unforeseen() {
+  std::string items = "Z";
+  for (char letter = 'a'; letter <= 'z'; ++letter) items += std::string(" z") + letter;
+  return items + '\n';
+}
+
+// Twice, so that all names are known and the items can be foreseen the second time; with guesses,
+// without them, and in a map of bytes.
 void ExpectPlainReading(const std::string& item, const std::string& changed) {
-  const std::string text = Padded(item + '\n' + item + '\n' + changed + '\n' + item);
-  const std::string quick = Report(text);
-  const PlainReading plain;
-  ASSERT_EQ(quick, Report(text)) << text;
+  const std::string items = item + '\n' + item + '\n' + changed + '\n' + item;
+  for (const std::string& text :
+       {Padded(items), Padded(Unforeseen() + items), PaddedFar(Unforeseen() + items)}) {
+    const std::string quick = Report(text);
+    const PlainReading plain;
+    ASSERT_EQ(quick, Report(text)) << text;
+  }
 }
 
 TEST(ItemRuns, Numbers_with_any_letters_behind_them) {
@@ -132,6 +147,81 @@ TEST(ItemRuns, Texts_whose_items_never_follow_each_other_twice) {
   const std::string quick = Report(text);
   const PlainReading plain;
   EXPECT_EQ(quick, Report(text));
+}
+
+// A map ends somewhere in the text, and behind its end is what an earlier one told of other bytes.
+TEST(ItemRuns, Strings_across_the_end_of_the_map) {
+  std::string quotes;
+  for (int i = 0; i < 100; ++i) quotes += "\\\"";
+  std::string start = Unforeseen() + "A a: \"y\" b: \"y\"";
+  for (int i = 0; i < 18; ++i) start += " a: \"" + quotes + '"';
+  for (const std::size_t behind : {std::size_t{100}, std::size_t{330}, std::size_t{800}}) {
+    for (std::size_t shift = 0; shift < 700; ++shift) {
+      const std::string text = start + " a: \"" + std::string(shift, 'x') + "\" b: \"" +
+                               std::string(150, 'x') + "\" a: \"t\" b: \"u\\\"\" a: 12.5mm b" +
+                               std::string(behind, '\n');
+      const std::string quick = Report(text);
+      const PlainReading plain;
+      ASSERT_EQ(quick, Report(text)) << behind << ' ' << shift;
+    }
+  }
+}
+
+// Numbers are compared with the one before of the same name, whose digits alone may differ.
+TEST(ItemRuns, Numbers_like_and_unlike_the_one_before) {
+  const std::vector<std::string> numbers = {
+      "1",     "22",    "123456789", "1234567890", "1.5",   "2.7",    "12.5",  "1.55",
+      "1mm",   "2mm",   "1.5mm",     "2.5cm",      "3.5mm", "7s",     "8m",    "1.5s",
+      "1.x",   "1.5x",  "12mmm",     "1.5mm5",     "-1",    "1.5mm{", "0",     "5.5.5",
+      "1:5mm", "1.:mm", "1.5m\"",    "1.5mM",      "$ff",   "1e5",    "(1+2)", "1234567890123456"};
+  for (const std::string& one : numbers) {
+    std::string text = "A a: " + one + " b\n";
+    text += text + text;
+    for (const std::string& other : numbers) {
+      for (const char* const behind : {" b", "\n", "}"}) {
+        const std::string both =
+            Padded(text + "A a: " + other + behind + " A a: " + one + " b A a: " + other + " b");
+        const std::string quick = Report(both);
+        const PlainReading plain;
+        ASSERT_EQ(quick, Report(both)) << both;
+      }
+    }
+  }
+}
+
+// Every way of reading runs, and every change from one to another, in texts of some kilobytes.
+TEST(ItemRuns, Long_random_texts_are_read_as_in_the_plain_way) {
+  const TestHost host;
+  constexpr int kRounds = 1200;
+  RandomDefinitions definitions(RandomSeed(kRounds));
+  int good = 0;
+  int quick_ones = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    std::string text;
+    const std::size_t size = round % 4 == 0 ? 9000 : 1500;
+    std::string piece;
+    while (text.size() < size) {
+      // Some say the same again and again, with a change now and then.
+      if (piece.empty() || round % 3 == 0 || text.size() % 7 == 0) {
+        do {
+          piece = definitions.Next() + '\n';
+        } while (!IsReadQuickly(piece));
+      }
+      text += piece;
+    }
+    if (round % 2 != 0) {
+      const std::size_t cut = text.size() - text.size() % 300 / 2 - 100;
+      text = text.substr(0, cut) + definitions.Damaged(text.substr(cut));
+    }
+    if (round % 5 != 0) text += std::string(700, '\n');
+    const std::string quick = Report(text);
+    if (IsReadQuickly(text)) ++quick_ones;
+    if (quick.starts_with("0 ")) ++good;
+    const PlainReading plain;
+    ASSERT_EQ(quick, Report(text)) << "round " << round << '\n' << text;
+  }
+  EXPECT_GT(good, kRounds / 2);
+  EXPECT_GT(quick_ones, kRounds / 2);
 }
 
 // --- Two scans -----------------------------------------------------------------------------------
