@@ -288,6 +288,7 @@ TEST(QuickLambda, A_name_means_what_the_callers_of_the_lambda_see) {
     for (int time = 0; time < 4; ++time) {
       EXPECT_EQ(Shown("f(3)", &scope), "integer 1") << walk;
       EXPECT_EQ(Shown("g(7) + g(0.5)", &scope), "real 7.5") << walk;
+      EXPECT_EQ(Shown("for(z, 1, 4){g(7)}{g(7) + g(z)}", &scope), "integer 11") << walk;
       EXPECT_EQ(Shown("h(lambda(n, n * 100))", &scope), "integer 200") << walk;
     }
     Eval("e := f, f := lambda(n, n * 1000)", &scope);
