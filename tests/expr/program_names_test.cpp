@@ -31,11 +31,11 @@ TEST(ProgramNames, A_variable_whose_bits_are_those_of_arguments_is_found_where_i
     if (!RefOf(name).MayBeAmong(mask)) continue;
     ++confused;
     IxoMepValueSet scope;
-    // g sees the arguments of f and the variable, neither of which was there when it was made.
-    Eval("g := lambda(STR " + name + " + STR " + parameters[2] + ")", &scope);
+    // g sees the arguments of f and the variable; nothing was there that could be captured.
     Eval("f := lambda(" + parameters[0] + ", " + parameters[1] + ", " + parameters[2] + ", " +
-             parameters[3] + ", (g()))",
+             parameters[3] + ", g())",
          &scope);
+    Eval("g := lambda(STR " + name + " + STR " + parameters[2] + ")", &scope);
     Eval(name + " := 7", &scope);
     EXPECT_EQ(Shown(Often("f(1, 2, 3, 4)"), &scope), "string \"73\"") << name;
     EXPECT_EQ(Shown(Often("f(\"a\", {}, 5, 0)"), &scope), "string \"75\"") << name;
@@ -47,7 +47,7 @@ TEST(ProgramNames, An_argument_hides_the_variable_of_its_name_for_all_names) {
   for (int i = 0; i < 300; ++i) {
     const std::string name = NameOf(i);
     IxoMepValueSet scope;
-    Eval("g := lambda(STR " + name + "), f := lambda(" + name + ", g())", &scope);
+    Eval("f := lambda(" + name + ", g()), g := lambda(STR " + name + ")", &scope);
     Eval(name + " := 7", &scope);
     ASSERT_EQ(Shown(Often("f(1) + g() + f(\"t\") + g()"), &scope), "string \"17t7\"") << name;
   }
