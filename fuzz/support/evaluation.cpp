@@ -131,7 +131,8 @@ void CheckQuickly(const IxoMepExpressionParser& parser) {
   };
   const Bounds bounds;
   for (int i = 0; i < 3; ++i) (void)evaluate(nullptr);
-  if (bounds.Reached() || FindQuickTree(*parser.GetTree(), &scene.scope()) == nullptr) return;
+  const QuickTree* const quick = FindQuickTree(*parser.GetTree());
+  if (bounds.Reached() || quick == nullptr || !quick->names.IsBoundTo(&scene.scope())) return;
   const std::string actual = evaluate(new IxoMepValue(0));
   const bool before = UsePrograms(false);
   const std::string expected = evaluate(new IxoMepValue(0));

@@ -102,12 +102,13 @@ IxoMepErrorEnum IxoMepExpressionParser::Evaluate(IxoMepValueSet* scope, IxoMepVa
                                                  bool ownScope) const {
   if (tree_ == nullptr) return IMEPERR_UNEXPECTED_TYPE;
   IxoMepExprNode::m_nCallDepth = 0;
-  if (!ownScope) {
-    if (ixomep::QuickTree* const quick = ixomep::FindQuickTree(*tree_, scope)) {
-      return ixomep::EvaluateQuickly(*quick, this, scope, result, errorText, strict);
-    }
+  ixomep::QuickTree* const quick = ixomep::FindQuickTree(*tree_);
+  if (quick != nullptr && quick->names.IsBoundTo(scope)) {
+    return ixomep::EvaluateQuickly(*quick, this, scope, result, errorText, strict);
   }
-  const auto evaluate = ownScope ? &EvaluateInOwnScope : &ixomep::EvaluateToSlot;
+  // A quiet tree creates nothing that a scope of its own would have to discard.
+  const auto evaluate =
+      ownScope && quick == nullptr ? &EvaluateInOwnScope : &ixomep::EvaluateToSlot;
   return evaluate(*tree_, this, scope, result, errorText, strict);
 }
 

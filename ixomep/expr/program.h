@@ -43,6 +43,9 @@ inline constexpr std::int64_t kTagReal = 3;
 inline constexpr std::int64_t kTagFailed = -1;  // Run::code and the error text say why
 inline constexpr std::int64_t kTagUnset = -2;   // success without a result
 
+inline constexpr Reg kFailure{kTagFailed, 0};
+inline constexpr Reg kNothing{kTagUndefined, 0};
+
 inline Reg IntegerReg(std::int32_t n) noexcept {
   return {kTagInteger, static_cast<std::int64_t>(static_cast<std::uint32_t>(n))};
 }
@@ -126,6 +129,9 @@ class Run {
            &typeid(*frame_->parser) == other_parser_;
   }
   std::int32_t EntryDepth() const noexcept { return entry_depth_; }
+  // The innermost scope that is there, and a mask of the names of arguments that are in none.
+  const IxoMepValueSet& Scope() const noexcept { return *lookup_; }
+  std::uint64_t Waiting() const noexcept { return waiting_; }
   // The program of the lambda that was called; an empty one at a root.
   const Program& Lambda() const noexcept { return *lambda_; }
   // Makes the level's scope, and those of its callers, when they have none yet.
@@ -165,7 +171,7 @@ class Run {
 
   Reg Fail(IxoMepErrorEnum failure) noexcept {
     code = failure;
-    return {kTagFailed, 0};
+    return kFailure;
   }
 
   IxoMepErrorEnum code;  // after a failure
@@ -264,6 +270,7 @@ inline void RestoreDepth(const SpineDepth& depth, const Run& run) noexcept {
 }
 
 class QuickTree;
+class QuickLambda;
 
 // The operations of one tree, or of one lambda's body. They refer to the nodes of the tree, which
 // must outlive them.
@@ -291,6 +298,7 @@ class Program {
   std::int32_t parameter_count = 0;
   NameRef parameters[Run::kMaxArguments];
   std::uint64_t parameter_bits = 0;
+  QuickLambda* quick_lambda = nullptr;  // of a quiet one (program_quick_lambda.h)
 
  private:
   struct HolderBase {

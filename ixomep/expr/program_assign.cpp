@@ -11,8 +11,6 @@ namespace {
 
 using Type = IxoMepValueType;
 
-constexpr Reg kFailure{kTagFailed, 0};
-constexpr Reg kNothing{kTagUndefined, 0};
 constexpr Reg kUnwantedNumber{kTagInteger, 0};
 
 // `x := x + e` for a text in x: it grows in place. False when e is none.

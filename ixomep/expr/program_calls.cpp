@@ -10,6 +10,7 @@
 
 #include "ixomep/expr/node_ptr.h"
 #include "ixomep/expr/program_numbers.h"
+#include "ixomep/expr/program_quick_lambda.h"
 #include "ixomep/expr/stack_guard.h"
 #include "ixomep/expr/value_set_pool.h"
 #include "ixomep/values/error.h"
@@ -22,8 +23,6 @@ using Kind = IxoMepExprNodeType;
 using Type = IxoMepValueType;
 
 constexpr std::int32_t kLongestSpine = 251;
-
-[[gnu::noinline]] Reg FailLimit(Run& run) noexcept { return run.Fail(RaiseLimit(run.Text())); }
 
 // --- Calls --------------------------------------------------------------------------------------
 
@@ -108,7 +107,12 @@ template <std::size_t kArguments>
   IxoMepValue none;  // stands for the arguments where there are none: their place is never null
   bool has_failed = false;
   auto arguments = ArgumentsOf<kArguments, false>(call, run, has_failed);
-  if (has_failed) return {kTagFailed, 0};
+  if (has_failed) return kFailure;
+  if constexpr (kArguments > 0) {
+    QuickLambda* const quick = program->quick_lambda;
+    const Reg result = quick != nullptr ? quick->CallFrom(run, arguments) : kGivenUp;
+    if (result.tag != kGivenUp.tag) return result;
+  }
   // Without arguments the counter stands where the call began.
   const std::int32_t entry_depth = kArguments == 0 ? IxoMepExprNode::m_nCallDepth : 0;
   LambdaRun level(run, *program, kArguments == 0 ? &none : arguments.data(), entry_depth);
@@ -121,7 +125,7 @@ template <std::size_t kArguments, bool kIsStep>
   bool has_failed = false;
   auto arguments = ArgumentsOf<kArguments, kIsStep>(call, run, has_failed);
   if (has_failed) [[unlikely]]
-    return {kTagFailed, 0};
+    return kFailure;
   LambdaRun level(run, run.Lambda(), arguments.data());
   return RunBody(level, run);
 }
@@ -167,6 +171,8 @@ Op::Fn CallFunction(const CallOp& call) noexcept {
 Reg RunOtherCall(const Op& op, Run& run) {
   return run.HasPlainParser() ? RunPlainly(op, run) : CallHost(op, run);
 }
+
+Reg FailLimit(Run& run) noexcept { return run.Fail(RaiseLimit(run.Text())); }
 
 // --- Levels -------------------------------------------------------------------------------------
 

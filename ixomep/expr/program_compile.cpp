@@ -9,6 +9,7 @@
 #include "ixomep/expr/operator_table.h"
 #include "ixomep/expr/program_numbers.h"
 #include "ixomep/expr/program_passes.h"
+#include "ixomep/expr/program_quick_lambda.h"
 #include "ixomep/values/string_address_map.h"
 
 namespace ixomep {
@@ -421,7 +422,11 @@ std::unique_ptr<Program> CompileProgram(const IxoMepExprNode& node) {
   if (is_lambda) program->lambda = &node;
   Compiler compiler(*program);
   program->root = compiler.Value(*root, SpineDepth());
-  if (!is_lambda) program->quick = MakeQuickTree(node, *program);
+  if (is_lambda) {
+    program->quick_lambda = MakeQuickLambda(node, *program);
+  } else {
+    program->quick = MakeQuickTree(node, *program);
+  }
   return program;
 }
 

@@ -13,15 +13,10 @@ namespace {
 using Kind = IxoMepExprNodeType;
 using Type = IxoMepValueType;
 
-constexpr Reg kFailure{kTagFailed, 0};
-constexpr Reg kNothing{kTagUndefined, 0};
-
 Reg FailTypes(Run& run, const char* shown, const IxoMepValue& a, const IxoMepValue* b = nullptr) {
   run.Text() = IxoMepError::MakeFunctionError(IMEPERR_WRONG_TYPE, shown, &a, b);
   return run.Fail(IMEPERR_WRONG_TYPE);
 }
-
-[[gnu::noinline]] Reg FailLimit(Run& run) noexcept { return run.Fail(RaiseLimit(run.Text())); }
 
 enum class Truth : std::uint8_t { No, Yes, Failed };
 

@@ -55,7 +55,7 @@ Reg ApplyOwned(Kind kind, IxoMepValue&& left, const IxoMepValue& right, Run& run
   IxoMepValue value = OwnedValue(left);
   IxoMepValue storage;
   const IxoMepValue* const right = ReadOperand(op.right, run, storage);
-  if (right == nullptr) return {kTagFailed, 0};
+  if (right == nullptr) return kFailure;
   return ApplyOwned(op.node->GetType(), std::move(value), *right, run);
 }
 
@@ -189,7 +189,7 @@ constexpr Op::Fn NumberPrefixOf(Shape operand) noexcept {
 Reg RunPrefix(const Op& op, Run& run) {
   IxoMepValue storage;
   const IxoMepValue* const operand = ReadOperand(As<UnaryOp>(op).operand, run, storage);
-  return operand != nullptr ? ApplyPrefix(op, *operand, run) : Reg{kTagFailed, 0};
+  return operand != nullptr ? ApplyPrefix(op, *operand, run) : kFailure;
 }
 
 // --- Elements ------------------------------------------------------------------------------------

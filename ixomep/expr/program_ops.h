@@ -78,7 +78,7 @@ struct WhileOp : Op {
   const Op* body = nullptr;
   const Op* last = nullptr;      // may be null
   std::int64_t steps_ahead = 1;  // passes whose steps may be taken beforehand
-  Passes* passes = nullptr;      // of a body that only assigns numbers
+  Passes* passes = nullptr;      // of a body that only assigns
 };
 struct ForOp : Op {
   NameRef variable;
@@ -87,7 +87,7 @@ struct ForOp : Op {
   const Op* body = nullptr;
   const Op* last = nullptr;      // may be null
   std::int64_t steps_ahead = 1;  // passes whose steps may be taken beforehand
-  Passes* passes = nullptr;      // of a body that only assigns numbers
+  Passes* passes = nullptr;      // of a body that only assigns
 };
 struct SequenceOp : Op {
   const Op* first = nullptr;
@@ -140,6 +140,9 @@ Op::Fn AddOnlyFunction(Shape more) noexcept;
 Op::Fn CallFunction(const CallOp& call) noexcept;
 // The same for the one name that every parser knows, and for many arguments.
 Reg RunOtherCall(const Op& op, Run& run);
+
+// A limit of the host is exceeded.
+Reg FailLimit(Run& run) noexcept;
 
 // The variable, created undefined when it is nowhere.
 inline IxoMepValue& FindOrCreate(IxoMepValueSet& scope, const NameRef& ref) {

@@ -1,6 +1,10 @@
 // Passes of loops on quick trees (program_passes.h).
 #include "ixomep/expr/program_passes.h"
 
+#include <exception>
+#include <new>
+#include <utility>
+
 #include "ixomep/expr/program_numbers.h"
 
 namespace ixomep {
@@ -28,8 +32,36 @@ Reg ReadAdded(const QuickOperand& added) noexcept {
   return {static_cast<std::int64_t>(value.GetType()), ValueAccess::Bits(value)};
 }
 
+// `x := x + e` for texts: x grows in place.
+[[gnu::noinline]] bool AddText(const QuickStep& step, IxoMepValue& target) {
+  const IxoMepValue* const added = step.added.slot != nullptr ? *step.added.slot : nullptr;
+  if (added == nullptr || added->GetType() != Type::String) return false;
+  try {
+    ValueAccess::Text(target) += ValueAccess::Text(*added);
+    return true;
+  } catch (const std::exception&) {  // too long, or no memory: the program says which
+    return false;
+  }
+}
+
+bool AppendValue(const QuickStep& step) {
+  IxoMepValue& array = **step.target;
+  if (array.GetType() != Type::Array) return false;
+  const Reg made = (*step.value)();
+  if (!IsScalar(made.tag) && made.tag != kTagString) return false;
+  try {
+    ValuePtr element = MakeValue(OwnedValue(made.tag == kTagString ? ShareText(made) : made));
+    ValueAccess::AppendOwned(array, std::move(element));
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
 bool AddValue(const QuickStep& step) {
   IxoMepValue& target = **step.target;
+  if (target.GetType() == Type::String) [[unlikely]]
+    return AddText(step, target);
   const Reg added = ReadAdded(step.added);
   if (target.GetType() == Type::Real && IsNumber(added)) {
     ValueAccess::AddToReal(target, NumberOf(added));
@@ -73,6 +105,7 @@ bool Passes::AddSteps(const Op& body, Program& program) {
     const auto& sequence = As<SequenceOp>(body);
     return AddSteps(*sequence.first, program) && AddSteps(*sequence.second, program);
   }
+  if (body.fn == &RunAppendOnly) return AddStep(As<AppendOp>(body), program);
   const bool is_assignment = body.node->GetType() == Kind::Assign && body.fn != &RunPlainly;
   return is_assignment && AddStep(As<AssignOp>(body), program);
 }
@@ -92,6 +125,17 @@ bool Passes::AddStep(const AssignOp& assign, Program& program) {
     step.fn = &AddValue;
     step.added = value.right;
   }
+  steps_.push_back(step);
+  return true;
+}
+
+bool Passes::AddStep(const AppendOp& append, Program& program) {
+  QuickStep step;
+  step.operation = &append;
+  step.fn = &AppendValue;
+  step.target = names_.SlotOf(append.variable);
+  step.value = MakeQuickOp(*append.node->GetParam2(), names_, program);
+  if (step.target == nullptr || step.value == nullptr) return false;
   steps_.push_back(step);
   return true;
 }

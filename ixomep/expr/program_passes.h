@@ -1,11 +1,13 @@
-// Internal: passes of a loop whose body only assigns quiet expressions to names. Nobody can look on
-// between two steps that were taken together (LimitWatch::StepAhead), so the passes between run on
-// quick trees (program_quick.h) with the places of the variables at hand: an assignment is 15
-// instructions instead of 35. A body that only adds a number to a variable keeps the sum in a
-// register meanwhile: 4 instructions a pass, where the way through memory takes 8 cycles.
+// Internal: passes of a loop whose body only assigns quiet expressions to names, or appends them to
+// arrays. Nobody can look on between two steps that were taken together (LimitWatch::StepAhead), so
+// the passes between run on quick trees (program_quick.h) with the places of the variables at hand:
+// an assignment is 15 instructions instead of 35. A body that only adds a number to a variable
+// keeps the sum in a register meanwhile: 4 instructions a pass, where the way through memory takes
+// 8 cycles.
 //
-// An assignment that is not about numbers gives up; the loop then runs it and what follows in that
-// pass by their operations (program_control.cpp) and tries again. Defined in program_passes.cpp.
+// An assignment that is about neither numbers nor a text that grows gives up; the loop then runs it
+// and what follows in that pass by their operations (program_control.cpp) and tries again. Defined
+// in program_passes.cpp.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +19,7 @@
 
 namespace ixomep {
 
-// `name := quiet expression`.
+// `name := quiet expression` or `aappend(name, quiet expression)`.
 struct QuickStep {
   // False, and nothing has happened, when it gives up.
   using Fn = bool (*)(const QuickStep& step);
@@ -51,6 +53,7 @@ class Passes {
 
   bool AddSteps(const Op& body, Program& program);
   bool AddStep(const AssignOp& assign, Program& program);
+  bool AddStep(const AppendOp& append, Program& program);
   bool IsReady(const IxoMepValueSet& scope) noexcept {
     return names_.IsBoundTo(&scope) || names_.Bind(scope);
   }

@@ -18,27 +18,39 @@ inline Reg RegAt(const IxoMepValue& value) noexcept {
   return {static_cast<std::int64_t>(value.GetType()), ValueAccess::Bits(value)};
 }
 
-// Variable: a slot. An argument of a lambda is none here.
+// Variable: a slot.
 template <Shape kShape>
-[[gnu::always_inline]] inline Reg Read(const QuickOperand& operand) {
+[[gnu::always_inline]] inline Reg Read(const QuickOperand& operand, QuickArgument* arguments) {
   if constexpr (kShape == Shape::Number) return {operand.number.tag, operand.number.bits};
   if constexpr (kShape == Shape::Variable) return RegAt(**operand.slot);
-  return (*operand.op)();
+  if constexpr (kShape == Shape::Argument) return arguments[operand.argument];
+  return (*operand.op)(arguments);
 }
 
 Shape ShapeOf(const QuickOperand& operand) noexcept {
   if (operand.slot != nullptr) return Shape::Variable;
-  return operand.op->fn == &QuickNumber ? Shape::Number : Shape::General;
+  if (operand.op->fn == &QuickNumber) return Shape::Number;
+  return operand.op->fn == &QuickParameter ? Shape::Argument : Shape::General;
 }
 
 template <Kind kKind, Shape kLeft, Shape kRight>
-Reg RunOn(const QuickOp& op) {
-  const Reg left = Read<kLeft>(op.left);
+Reg RunOn(const QuickOp& op, QuickArgument* arguments) {
+  const Reg left = Read<kLeft>(op.left, arguments);
+  if constexpr (kLeft == Shape::General && kRight == Shape::General) {
+    if (!IsScalar(left.tag)) return kGivenUp;  // at once: the rest may be many calls
+  }
   if constexpr (IsComparison(kKind) && kRight == Shape::Number) {
     const int side = left.tag == kTagReal ? op.right.landmark.SideOf(RealOf(left)) : 0;
     if (side != 0) return IntegerReg(Compared<kKind>(side, 0));
   }
-  return Compute<kKind>(left, Read<kRight>(op.right));
+  return Compute<kKind>(left, Read<kRight>(op.right, arguments));
+}
+
+// The same for two operations outside lambdas: nothing is kept for the second while the first runs.
+template <Kind kKind>
+Reg RunOnBoth(const QuickOp& op, QuickArgument*) {
+  const Reg left = (*op.left.op)();
+  return Compute<kKind>(left, (*op.right.op)());
 }
 
 template <Kind kKind, Shape kLeft>
@@ -46,6 +58,8 @@ QuickOp::Fn RunFor(Shape right) noexcept {
   switch (right) {
     case Shape::Variable:
       return &RunOn<kKind, kLeft, Shape::Variable>;
+    case Shape::Argument:
+      return &RunOn<kKind, kLeft, Shape::Argument>;
     case Shape::Number:
       return &RunOn<kKind, kLeft, Shape::Number>;
     default:
@@ -54,21 +68,24 @@ QuickOp::Fn RunFor(Shape right) noexcept {
 }
 
 template <Kind kKind>
-QuickOp::Fn RunFor(const QuickOp& op) noexcept {
+QuickOp::Fn RunFor(const QuickOp& op, bool in_lambda) noexcept {
   const Shape right = ShapeOf(op.right);
   switch (ShapeOf(op.left)) {
     case Shape::Variable:
       return RunFor<kKind, Shape::Variable>(right);
+    case Shape::Argument:
+      return RunFor<kKind, Shape::Argument>(right);
     case Shape::Number:
       return RunFor<kKind, Shape::Number>(right);
     default:
+      if (right == Shape::General && !in_lambda) return &RunOnBoth<kKind>;
       return RunFor<kKind, Shape::General>(right);
   }
 }
 
 template <Kind kKind, Shape kShape>
-Reg RunPrefixOn(const QuickOp& op) {
-  return Compute<kKind>(Read<kShape>(op.right));
+Reg RunPrefixOn(const QuickOp& op, QuickArgument* arguments) {
+  return Compute<kKind>(Read<kShape>(op.right, arguments));
 }
 
 template <Kind kKind>
@@ -98,48 +115,103 @@ bool IsElement(const QuickOp& op) noexcept {
   return op.fn == &QuickElement || op.fn == &QuickElementOfName;
 }
 
-const IxoMepValue* FindElement(const QuickOp& op) {
+const IxoMepValue* FindElement(const QuickOp& op, QuickArgument* arguments);
+
+const IxoMepValue* FindBase(const QuickOp& op, QuickArgument* arguments) {
   const QuickOperand& of = op.left;
-  const IxoMepValue* const base = of.slot != nullptr  ? *of.slot
-                                  : IsElement(*of.op) ? FindElement(*of.op)
-                                                      : nullptr;
-  if (base == nullptr) return nullptr;
-  if (op.right.slot != nullptr) return SelectAt(*base, **op.right.slot);
-  const Reg index = (*op.right.op)();
+  if (of.slot != nullptr) return *of.slot;
+  return IsElement(*of.op) ? FindElement(*of.op, arguments) : nullptr;
+}
+
+// An index that has to be computed comes first: calls may be in it.
+const IxoMepValue* FindElement(const QuickOp& op, QuickArgument* arguments) {
+  if (op.right.slot != nullptr) {
+    const IxoMepValue* const base = FindBase(op, arguments);
+    return base != nullptr ? SelectAt(*base, **op.right.slot) : nullptr;
+  }
+  const Reg index = (*op.right.op)(arguments);
   if (!IsScalar(index.tag)) return nullptr;
+  const IxoMepValue* const base = FindBase(op, arguments);
+  if (base == nullptr) return nullptr;
   return SelectAt(*base, ValueAccess::FromBits(static_cast<Type>(index.tag), index.bits));
+}
+
+// Out of line, because the compiler makes a jump only of the last call in a function.
+[[gnu::noinline]] Reg JumpTo(const QuickOp& op, QuickArgument* arguments) { return op(arguments); }
+
+[[gnu::noinline]] Reg ChooseSlowly(const QuickOp& op, QuickArgument* arguments) {
+  return QuickChoice(op, arguments);
+}
+
+// A choice by a comparison of two integers at hand: no truth value is made, and a branch, which the
+// machine foresees well, decides where the jump comes from.
+template <Kind kKind, Shape kLeft, Shape kRight>
+Reg ChooseOn(const QuickOp& op, QuickArgument* arguments) {
+  const auto& choice = static_cast<const QuickChoiceOp&>(op);
+  const Reg left = Read<kLeft>(op.left, arguments);
+  const Reg right = Read<kRight>(op.right, arguments);
+  if (left.tag != kTagInteger || right.tag != kTagInteger) [[unlikely]]
+    return ChooseSlowly(op, arguments);
+  const bool truth = Compared<kKind>(IntegerOf(left), IntegerOf(right));
+  return truth ? JumpTo(*choice.chosen, arguments) : JumpTo(*choice.otherwise, arguments);
+}
+
+template <Kind kKind, Shape kLeft>
+QuickOp::Fn ChooseOn(Shape right) noexcept {
+  switch (right) {
+    case Shape::Variable:
+      return &ChooseOn<kKind, kLeft, Shape::Variable>;
+    case Shape::Argument:
+      return &ChooseOn<kKind, kLeft, Shape::Argument>;
+    case Shape::Number:
+      return &ChooseOn<kKind, kLeft, Shape::Number>;
+    default:
+      return &QuickChoice;
+  }
+}
+
+template <Kind kKind>
+QuickOp::Fn ChooseOn(const QuickOp& compared) noexcept {
+  switch (ShapeOf(compared.left)) {
+    case Shape::Variable:
+      return ChooseOn<kKind, Shape::Variable>(ShapeOf(compared.right));
+    case Shape::Argument:
+      return ChooseOn<kKind, Shape::Argument>(ShapeOf(compared.right));
+    default:
+      return &QuickChoice;
+  }
 }
 
 }  // namespace
 
-QuickOp::Fn QuickBinary(Kind kind, const QuickOp& op) noexcept {
+QuickOp::Fn QuickBinary(Kind kind, const QuickOp& op, bool in_lambda) noexcept {
   switch (kind) {
     case Kind::Plus:
-      return RunFor<Kind::Plus>(op);
+      return RunFor<Kind::Plus>(op, in_lambda);
     case Kind::Minus:
-      return RunFor<Kind::Minus>(op);
+      return RunFor<Kind::Minus>(op, in_lambda);
     case Kind::Times:
-      return RunFor<Kind::Times>(op);
+      return RunFor<Kind::Times>(op, in_lambda);
     case Kind::Divide:
-      return RunFor<Kind::Divide>(op);
+      return RunFor<Kind::Divide>(op, in_lambda);
     case Kind::Mod:
-      return RunFor<Kind::Mod>(op);
+      return RunFor<Kind::Mod>(op, in_lambda);
     case Kind::Equal:
-      return RunFor<Kind::Equal>(op);
+      return RunFor<Kind::Equal>(op, in_lambda);
     case Kind::NotEqual:
-      return RunFor<Kind::NotEqual>(op);
+      return RunFor<Kind::NotEqual>(op, in_lambda);
     case Kind::Less:
-      return RunFor<Kind::Less>(op);
+      return RunFor<Kind::Less>(op, in_lambda);
     case Kind::LessEqual:
-      return RunFor<Kind::LessEqual>(op);
+      return RunFor<Kind::LessEqual>(op, in_lambda);
     case Kind::Greater:
-      return RunFor<Kind::Greater>(op);
+      return RunFor<Kind::Greater>(op, in_lambda);
     case Kind::GreaterEqual:
-      return RunFor<Kind::GreaterEqual>(op);
+      return RunFor<Kind::GreaterEqual>(op, in_lambda);
     case Kind::And:
-      return RunFor<Kind::And>(op);
+      return RunFor<Kind::And>(op, in_lambda);
     case Kind::Or:
-      return RunFor<Kind::Or>(op);
+      return RunFor<Kind::Or>(op, in_lambda);
     default:
       return nullptr;
   }
@@ -158,28 +230,57 @@ QuickOp::Fn QuickPrefix(Kind kind, const QuickOp& op) noexcept {
   }
 }
 
-Reg QuickRead(const QuickOp& op) { return RegAt(**op.left.slot); }
+Reg QuickRead(const QuickOp& op, QuickArgument*) { return RegAt(**op.left.slot); }
 
-Reg QuickNumber(const QuickOp& op) { return {op.left.number.tag, op.left.number.bits}; }
+Reg QuickNumber(const QuickOp& op, QuickArgument*) {
+  return {op.left.number.tag, op.left.number.bits};
+}
 
-Reg QuickElement(const QuickOp& op) {
-  const IxoMepValue* const element = FindElement(op);
+Reg QuickParameter(const QuickOp& op, QuickArgument* arguments) {
+  return arguments[op.left.argument];
+}
+
+Reg QuickNoValue(const QuickOp&, QuickArgument*) { return kGivenUp; }
+
+Reg QuickElement(const QuickOp& op, QuickArgument* arguments) {
+  const IxoMepValue* const element = FindElement(op, arguments);
   return element != nullptr ? RegAt(*element) : kGivenUp;
 }
 
-Reg QuickElementOfName(const QuickOp& op) {
+Reg QuickElementOfName(const QuickOp& op, QuickArgument*) {
   const IxoMepValue* const element = SelectAt(**op.left.slot, **op.right.slot);
   return element != nullptr ? RegAt(*element) : kGivenUp;
 }
 
-Reg QuickChoice(const QuickOp& op) {
-  const Reg condition = (*op.left.op)();
+Reg QuickChoice(const QuickOp& op, QuickArgument* arguments) {
+  const auto& choice = static_cast<const QuickChoiceOp&>(op);
+  const Reg condition = (*choice.condition)(arguments);
   bool truth = IntegerOf(condition) != 0;
   if (condition.tag != kTagInteger) {
     if (condition.tag != kTagReal) return kGivenUp;
     truth = RealOf(condition) != 0.0;
   }
-  return truth ? (*op.right.op)() : (*op.otherwise)();
+  const QuickOp* const chosen = truth ? choice.chosen : choice.otherwise;
+  return (*chosen)(arguments);
+}
+
+QuickOp::Fn QuickChoiceBy(Kind kind, const QuickChoiceOp& choice) noexcept {
+  switch (kind) {
+    case Kind::Equal:
+      return ChooseOn<Kind::Equal>(choice);
+    case Kind::NotEqual:
+      return ChooseOn<Kind::NotEqual>(choice);
+    case Kind::Less:
+      return ChooseOn<Kind::Less>(choice);
+    case Kind::LessEqual:
+      return ChooseOn<Kind::LessEqual>(choice);
+    case Kind::Greater:
+      return ChooseOn<Kind::Greater>(choice);
+    case Kind::GreaterEqual:
+      return ChooseOn<Kind::GreaterEqual>(choice);
+    default:
+      return &QuickChoice;
+  }
 }
 
 // --- Names --------------------------------------------------------------------------------------
@@ -204,14 +305,16 @@ bool QuickNames::Bind(const IxoMepValueSet& scope) noexcept {
   return true;
 }
 
+bool QuickNames::MayBeAmong(std::uint64_t mask) const noexcept {
+  return std::any_of(names_, names_ + count_,
+                     [mask](const NameRef& name) { return name.MayBeAmong(mask); });
+}
+
 // --- Evaluations --------------------------------------------------------------------------------
 
 void QuickTree::Expect(const IxoMepValueSet* scope) noexcept {
   if (scope == nullptr || names.IsBoundTo(scope)) return;
-  if (pause_ > 0) {
-    --pause_;
-    return;
-  }
+  if (pause_.Holds()) return;
   if (scope == expected_ && expected_changes_ == IxoMepValueSet::Changes()) {
     names.Bind(*scope);
     return;
@@ -235,11 +338,11 @@ IxoMepErrorEnum EvaluateQuickly(QuickTree& quick, const IxoMepExpressionParser* 
   return EvaluateToSlot(*quick.node, parser, scope, result, text, strict);
 }
 
-// What the slot holds is released only where that runs no code of the host. A tree that gives up
-// again and again is tried more and more seldom.
+// What the slot holds is released only where that runs no code of the host.
 bool QuickTree::StoreOther(Reg made, IxoMepValue& result) {
-  constexpr std::int32_t kLongestPause = 1 << 12;
-  if (OwnsNothing(result) || result.GetType() == Type::String) {
+  if (text_sum != nullptr) {
+    if (text_sum->StoreIn(result)) return true;
+  } else if (OwnsNothing(result) || result.GetType() == Type::String) {
     const auto type = static_cast<Type>(made.tag);
     if (IsScalar(made.tag)) {
       result = ValueAccess::FromBits(type, made.bits);
@@ -258,8 +361,7 @@ bool QuickTree::StoreOther(Reg made, IxoMepValue& result) {
     }
   }
   names.Unbind();
-  pause_ = next_pause_;
-  next_pause_ = std::min(2 * next_pause_, kLongestPause);
+  pause_.Begin();
   return false;
 }
 

@@ -10,11 +10,12 @@
 // (program_passes.h). Made by program_quick_compile.cpp, the operators are in program_quick.cpp.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
 #include "ixomep/expr/decimal_compare.h"
-#include "ixomep/expr/program.h"
+#include "ixomep/expr/program_ops.h"
 
 namespace ixomep {
 
@@ -31,6 +32,8 @@ class QuickNames {
   }
   // False when a name is bound nowhere.
   bool Bind(const IxoMepValueSet& scope) noexcept;
+  // May one of them be in that mask (NameRef::bits)?
+  bool MayBeAmong(std::uint64_t mask) const noexcept;
   void Unbind() noexcept { changes_ = kNever; }
 
  private:
@@ -45,27 +48,83 @@ class QuickNames {
 
 struct QuickOp;
 
+// An argument of a quick lambda's call, a number (program_quick_lambda.h).
+using QuickArgument = Reg;
+
 struct QuickOperand {
   IxoMepValue* const* slot = nullptr;  // of a name or a constant that is no number
+  std::int32_t argument = 0;           // of a parameter: its number
   const QuickOp* op = nullptr;
   Reg number{0, 0};
   Landmark landmark;  // at that number
 };
 
 struct QuickOp {
-  // The value, which is not owned; kGivenUp for what is the program's business.
-  using Fn = Reg (*)(const QuickOp& op);
+  // The value, which is not owned; kGivenUp for what is the program's business. The arguments are
+  // those of the call of a quick lambda whose body it is, behind which there is room for others.
+  using Fn = Reg (*)(const QuickOp& op, QuickArgument* arguments);
 
-  Reg operator()() const { return fn(*this); }
+  Reg operator()(QuickArgument* arguments = nullptr) const { return fn(*this, arguments); }
 
   Fn fn = nullptr;
   QuickOperand left;
   QuickOperand right;
-  const QuickOp* otherwise = nullptr;  // of a choice: left the condition, right what it chooses
-  IxoMepValue* constant = nullptr;     // what a slot of an operand points to
+  IxoMepValue* constant = nullptr;  // what a slot of an operand points to
+};
+
+// cond, from one of its conditions on.
+struct QuickChoiceOp : QuickOp {
+  const QuickOp* condition = nullptr;  // left and right are its operands when it compares
+  const QuickOp* chosen = nullptr;
+  const QuickOp* otherwise = nullptr;
 };
 
 inline constexpr Reg kGivenUp{-3, 0};
+
+// A text that an operation has given, as one of the caller's.
+inline Reg ShareText(Reg borrowed) noexcept {
+  IxoMepValue text = ValueAccess::FromBits(IxoMepValueType::String, borrowed.bits);
+  const Reg shared{kTagString, ValueAccess::ShareText(text)};
+  ValueAccess::TakeBits(text);
+  return shared;
+}
+
+// A sum in which texts are likely. It has no value in registers: the tree stores it.
+struct QuickTextSum : QuickOp {
+  struct Part {
+    IxoMepValue* const* slot = nullptr;
+    bool shown = false;  // STR of what stands there
+  };
+
+  // False, and nothing has happened, when it gives up.
+  bool StoreIn(IxoMepValue& result) const;
+
+  std::size_t count = 0;
+  std::array<Part, TextSumOp::kMaxParts> parts;
+};
+// For the operation itself: its tree stores the sum, all others give up.
+Reg QuickNoValue(const QuickOp& op, QuickArgument* arguments);
+
+// What is tried and gives up again and again is tried more and more seldom.
+class QuickPause {
+ public:
+  // Is it not to be tried this time?
+  bool Holds() noexcept {
+    if (left_ == 0) return false;
+    --left_;
+    return true;
+  }
+  void Begin() noexcept {
+    left_ = next_;
+    if (next_ < kLongest) next_ *= 2;
+  }
+
+ private:
+  static constexpr std::int32_t kLongest = 1 << 12;
+
+  std::int32_t left_ = 0;
+  std::int32_t next_ = 1;
+};
 
 class QuickTree {
  public:
@@ -83,6 +142,7 @@ class QuickTree {
   void Expect(const IxoMepValueSet* scope) noexcept;
 
   const QuickOp* root = nullptr;
+  const QuickTextSum* text_sum = nullptr;  // when the root is one
   QuickNames names;
   const IxoMepExprNode* node = nullptr;  // what it is the form of
 
@@ -94,8 +154,7 @@ class QuickTree {
 
   const IxoMepValueSet* expected_ = nullptr;
   std::uint64_t expected_changes_ = 0;
-  std::int32_t pause_ = 0;  // evaluations that are not tried
-  std::int32_t next_pause_ = 1;
+  QuickPause pause_;
 };
 
 // The tree's quick form; null when it is not quiet. It lives with the program.
@@ -104,20 +163,21 @@ QuickTree* MakeQuickTree(const IxoMepExprNode& node, Program& program);
 const QuickOp* MakeQuickOp(const IxoMepExprNode& node, QuickNames& names, Program& program);
 
 // The operators (null for others), and the rest.
-QuickOp::Fn QuickBinary(IxoMepExprNodeType kind, const QuickOp& op) noexcept;
+QuickOp::Fn QuickBinary(IxoMepExprNodeType kind, const QuickOp& op, bool in_lambda) noexcept;
 QuickOp::Fn QuickPrefix(IxoMepExprNodeType kind, const QuickOp& op) noexcept;
-Reg QuickRead(const QuickOp& op);
-Reg QuickNumber(const QuickOp& op);
-Reg QuickElement(const QuickOp& op);
-Reg QuickElementOfName(const QuickOp& op);  // selected by a name
-Reg QuickChoice(const QuickOp& op);
+Reg QuickRead(const QuickOp& op, QuickArgument* arguments);
+Reg QuickNumber(const QuickOp& op, QuickArgument* arguments);
+Reg QuickParameter(const QuickOp& op, QuickArgument* arguments);
+Reg QuickElement(const QuickOp& op, QuickArgument* arguments);
+Reg QuickElementOfName(const QuickOp& op, QuickArgument* arguments);  // selected by a name
+Reg QuickChoice(const QuickOp& op, QuickArgument* arguments);
+// For a choice by a comparison.
+QuickOp::Fn QuickChoiceBy(IxoMepExprNodeType kind, const QuickChoiceOp& choice) noexcept;
 
-// The quick tree of an expression object's root when its names are bound in that scope, else null.
-inline QuickTree* FindQuickTree(const IxoMepExprNode& root, const IxoMepValueSet* scope) noexcept {
+// The quick tree of an expression object's root, null when it has none or was not used of late.
+inline QuickTree* FindQuickTree(const IxoMepExprNode& root) noexcept {
   const CachedProgram& cached = CachedProgramFor(root);
-  const bool is_ready =
-      cached.node == &root && cached.quick != nullptr && cached.quick->names.IsBoundTo(scope);
-  return is_ready ? cached.quick : nullptr;
+  return cached.node == &root ? cached.quick : nullptr;
 }
 
 // EvaluateToSlot for the root of a quick tree that is ready: by that, when nothing limits the

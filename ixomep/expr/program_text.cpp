@@ -1,6 +1,6 @@
-// Sums of texts in side programs: the parts are found first and put together once, where one "+"
-// after the other would make a text for each. All parts are quiet, so that whatever is unusual (a
-// part that is no text, a failure) is evaluated again the plain way.
+// Sums of texts in side programs and quick trees: the parts are found first and put together once,
+// where one "+" after the other would make a text for each. All parts are quiet, so that whatever
+// is unusual (a part that is no text, a failure) is evaluated again the plain way.
 #include <array>
 #include <charconv>
 #include <exception>
@@ -9,15 +9,38 @@
 #include <string_view>
 
 #include "ixomep/expr/program_numbers.h"
+#include "ixomep/expr/program_quick.h"
 
 namespace ixomep {
 
 namespace {
 
+// The parts of a sum, where they stand.
+class TextParts {
+ public:
+  TextParts() noexcept {}
+
+  void Add(std::int32_t number) noexcept {
+    char* const begin = digits_.data() + count_ * kDigits;
+    const char* const end = std::to_chars(begin, begin + kDigits, number).ptr;
+    Add(std::string_view(begin, end));
+  }
+  void Add(std::string_view view) noexcept { std::construct_at(&views_[count_++], view); }
+
+  std::span<const std::string_view> Views() const noexcept { return {views_, count_}; }
+
+ private:
+  static constexpr std::size_t kDigits = 11;
+
+  std::size_t count_ = 0;
+  union {  // made one by one: setting all of them first is a third of the work
+    std::string_view views_[TextSumOp::kMaxParts];
+  };
+  std::array<char, kDigits * TextSumOp::kMaxParts> digits_;
+};
+
 class TextSum {
  public:
-  TextSum() noexcept {}
-
   // False when the part is no text.
   bool Add(const TextSumOp::Part& part, Run& run) {
     const Operand& operand = part.operand;
@@ -27,7 +50,8 @@ class TextSum {
                                            ? FindArgument(operand, run)
                                            : nullptr;
       if (shown != nullptr && shown->GetType() == IxoMepValueType::Integer) {
-        return AddInteger(ValueAccess::Integer(*shown));
+        parts_.Add(ValueAccess::Integer(*shown));
+        return true;
       }
       owned_.push_back(OwnedValue((*operand.op)(run)));
       return AddText(owned_.back());
@@ -40,33 +64,17 @@ class TextSum {
     return AddText(owned_.back());
   }
 
-  String Joined() const { return String::Joined(std::span(views_, count_)); }
+  String Joined() const { return String::Joined(parts_.Views()); }
 
  private:
-  static constexpr std::size_t kDigits = 11;
-
-  bool AddInteger(std::int32_t number) noexcept {
-    char* const begin = digits_.data() + count_ * kDigits;
-    const char* const end = std::to_chars(begin, begin + kDigits, number).ptr;
-    return AddView({begin, end});
-  }
-
   // Where a value stands may change, its text stays.
   bool AddText(const IxoMepValue& value) noexcept {
     if (value.GetType() != IxoMepValueType::String) return false;
-    return AddView(ValueAccess::Text(value).view());
-  }
-
-  bool AddView(std::string_view view) noexcept {
-    std::construct_at(&views_[count_++], view);
+    parts_.Add(ValueAccess::Text(value).view());
     return true;
   }
 
-  std::size_t count_ = 0;
-  union {  // made one by one: setting all of them first is a third of the work
-    std::string_view views_[TextSumOp::kMaxParts];
-  };
-  std::array<char, kDigits * TextSumOp::kMaxParts> digits_;
+  TextParts parts_;
   std::vector<IxoMepValue> owned_;
 };
 
@@ -82,6 +90,35 @@ Reg RunTextSum(const Op& op, Run& run) {
   } catch (const std::exception&) {  // too long, or no memory: the plain way says which
   }
   return (*chain.plain)(run);
+}
+
+// Into the text that the result holds already, unless that is a part of the sum.
+bool QuickTextSum::StoreIn(IxoMepValue& result) const {
+  TextParts texts;
+  bool is_part = false;
+  for (std::size_t i = 0; i < count; ++i) {
+    const IxoMepValue& value = **parts[i].slot;
+    is_part = is_part || &value == &result;
+    if (value.GetType() == IxoMepValueType::String) {  // is shown as it is
+      texts.Add(ValueAccess::Text(value).view());
+    } else if (parts[i].shown && value.GetType() == IxoMepValueType::Integer) {
+      texts.Add(ValueAccess::Integer(value));
+    } else {
+      return false;
+    }
+  }
+  const bool is_text = result.GetType() == IxoMepValueType::String;
+  if (!is_text && !IsScalar(result) && result.GetType() != IxoMepValueType::Undefined) return false;
+  try {
+    if (is_text && !is_part) {
+      ValueAccess::Text(result).Join(texts.Views());
+    } else {
+      result = IxoMepValue(String::Joined(texts.Views()));
+    }
+    return true;
+  } catch (const std::exception&) {  // too long, or no memory: the plain way says which
+    return false;
+  }
 }
 
 }  // namespace ixomep

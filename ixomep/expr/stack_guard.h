@@ -2,6 +2,7 @@
 // code instead of overflowing.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace ixomep {
@@ -11,6 +12,8 @@ class StackGuard {
   // False when less than the reserve is left below the caller on this thread's stack. When the
   // host cannot tell the stack's end, a fixed depth below the first call on the thread counts.
   static bool HasRoom() noexcept { return Here() >= floor_ || AskHost(); }
+  // The bytes that are left above the reserve, once HasRoom was true here.
+  static std::size_t Room() noexcept { return Here() > floor_ ? Here() - floor_ : 0; }
 
  private:
   // The frame's own address, not that of a local variable: sanitizers keep those elsewhere.

@@ -12,6 +12,17 @@ namespace ixomep {
 void LimitWatch::TakePortion() noexcept {
   left_ = static_cast<std::int32_t>(std::min<std::uint64_t>(not_portioned_, kPortion));
   not_portioned_ -= static_cast<std::uint64_t>(left_);
+  portioned_ += static_cast<std::uint64_t>(left_);
+}
+
+// What a portion cannot hold goes back to where portions come from.
+void LimitWatch::GiveBackSince(std::uint64_t steps_taken) noexcept {
+  if (exceeded_ != Limit::None) return;
+  const std::uint64_t left = portioned_ - steps_taken;
+  left_ = static_cast<std::int32_t>(std::min<std::uint64_t>(left, kPortion));
+  const std::uint64_t beyond = left - static_cast<std::uint64_t>(left_);
+  not_portioned_ += beyond;
+  portioned_ -= beyond;
 }
 
 // The step is taken before the host is asked, which may evaluate something to find its answer.

@@ -44,6 +44,13 @@ class LimitWatch {
   static void GiveBack(std::int64_t steps) noexcept {
     if (exceeded_ == Limit::None) left_ += static_cast<std::int32_t>(steps);
   }
+  // Where the count of steps stands, for work that may be for nothing: gives back what was taken
+  // since then. The host was asked meanwhile and is asked again after as many further steps as
+  // usual.
+  static std::uint64_t StepsTaken() noexcept {
+    return portioned_ - static_cast<std::uint64_t>(left_);
+  }
+  static void GiveBackSince(std::uint64_t steps_taken) noexcept;
   // One small piece of long work that takes no steps; throws LimitExceeded when the host asks for
   // the end.
   static void Work() {
@@ -84,6 +91,10 @@ class LimitWatch {
   static bool MayCallAt(std::int32_t depth) noexcept {
     return depth <= deepest_ ? Step() : Exceed(Limit::Depth) == Limit::None;
   }
+  // How many may be open.
+  static std::int32_t DeepestLevel() noexcept { return deepest_; }
+  // Takes a step where nobody has to be asked or told; else false, and none is taken.
+  static bool StepAtOnce() noexcept { return --left_ >= 0; }
 
   // The limit that was exceeded, until the outermost evaluation has ended.
   static Limit Exceeded() noexcept { return exceeded_; }
@@ -136,6 +147,7 @@ class LimitWatch {
   inline static bool has_host_ = false;
   inline static bool is_asking_ = false;
   inline static std::uint64_t not_portioned_ = std::numeric_limits<std::uint64_t>::max();
+  inline static std::uint64_t portioned_ = kPortion;  // in all portions so far
   inline static IxoLimits limits_;
 };
 

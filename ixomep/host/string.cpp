@@ -58,8 +58,7 @@ void CopyEnds(char* to, std::string_view from) noexcept {
   std::memcpy(to + from.size() - kBytes, last, kBytes);
 }
 
-// For the few bytes that most texts have a call costs more than the copy. Null with no bytes is
-// not given to memcpy, where it is undefined.
+// For the few bytes that most texts have a call costs more than the copy.
 inline void CopyBytes(char* to, std::string_view from) noexcept {
   const std::size_t size = from.size();
   if (size >= 32 && size <= 64) {
@@ -70,8 +69,12 @@ inline void CopyBytes(char* to, std::string_view from) noexcept {
     CopyEnds<8>(to, from);
   } else if (size >= 4 && size < 8) {
     CopyEnds<4>(to, from);
-  } else if (size != 0) {
+  } else if (size > 64) {
     std::memcpy(to, from.data(), size);
+  } else if (size != 0) {  // up to three: the first, the middle and the last
+    to[0] = from[0];
+    to[size / 2] = from[size / 2];
+    to[size - 1] = from[size - 1];
   }
 }
 
@@ -167,23 +170,48 @@ String& String::operator=(String&& other) noexcept {
   return *this;
 }
 
-String String::Joined(std::span<const std::string_view> parts) {
+namespace {
+
+std::int32_t LengthOf(std::span<const std::string_view> parts) {
   std::size_t length = 0;
   for (const std::string_view part : parts) {
-    if (part.size() > static_cast<std::size_t>(kMaxLength) - length) {
+    if (part.size() > static_cast<std::size_t>(String::kMaxLength) - length) {
       throw std::length_error("text too long");
     }
     length += part.size();
   }
-  String joined;
-  if (length == 0) return joined;
-  joined.rep_ = NewRep(static_cast<std::int64_t>(length), static_cast<std::int64_t>(length));
-  char* end = TextOf(joined.rep_);
+  return static_cast<std::int32_t>(length);
+}
+
+inline void CopyParts(char* end, std::span<const std::string_view> parts) noexcept {
   for (const std::string_view part : parts) {
     CopyBytes(end, part);
     end += part.size();
   }
+}
+
+}  // namespace
+
+String String::Joined(std::span<const std::string_view> parts) {
+  const std::int32_t length = LengthOf(parts);
+  String joined;
+  if (length == 0) return joined;
+  joined.rep_ = NewRep(length, length);
+  CopyParts(TextOf(joined.rep_), parts);
   return joined;
+}
+
+String& String::Join(std::span<const std::string_view> parts) {
+  constexpr std::int64_t kSpare = 64;
+  const std::int32_t length = LengthOf(parts);
+  if (length != 0 && IsWritable(length) && rep_->capacity <= 2 * std::int64_t{length} + kSpare) {
+    rep_->length = length;
+    TextOf(rep_)[length] = '\0';
+  } else {
+    Take(length == 0 ? EmptyRep() : NewRep(length, length));
+  }
+  CopyParts(TextOf(rep_), parts);
+  return *this;
 }
 
 String String::Joined(std::string_view a, std::string_view b) {

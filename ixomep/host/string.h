@@ -107,6 +107,10 @@ class IXOMEP_API String {
     return Append(std::string_view(&byte, 1));
   }
 
+  // Becomes the parts one behind the other, which are none of this text: where it has its bytes now
+  // when nobody shares them and they are room enough, but not much more than that.
+  String& Join(std::span<const std::string_view> parts);
+
   // Makes room for a text of that many bytes without changing it; below the present room it does
   // nothing.
   void Reserve(std::int32_t length);

@@ -65,6 +65,7 @@ class Loops {
   std::string Step() {
     const std::string name = Pick({"x", "y", "z", "n"});
     if (Below(2) == 0) return name + " := " + name + " + " + Leaf();
+    if (Below(4) == 0) return "aappend(" + name + ", " + Value(1) + ")";
     return name + " := " + Value(2);
   }
   std::string Body(int depth) {
@@ -167,6 +168,28 @@ TEST(Passes, Do_what_the_walk_does) {
            "a := {1, \"x\", 2.5}, for(i, 0, 2){s := a[i]}{s}",
            "a := {1, 2}, for(i, 0, 2){a := 5}{a}",
            "s := object(), for(i, 0, 20){s := i}{s}",
+           "v := {}, for(i, 1, 20){aappend(v, i)}{v}",
+           "v := {}, for(i, 1, 9){aappend(v, \"text \"), aappend(v, i / 2)}{v}",
+           "v := {1}, for(i, 1, 20){aappend(v, v[i - 1] + i)}{v}",
+           "v := {\"long enough a text\"}, for(i, 0, 40){aappend(v, v[i])}{v}",
+           "v := {1, 2}, w := v, for(i, 1, 5){aappend(v, i)}, {v, w}",
+           "v := {1, 2}, for(i, 1, 5){aappend(v, v)}{v}",
+           "v := {1}, for(i, 1, 9){aappend(v, cond(i = 5, {i}, i))}{v}",
+           "v := {1}, for(i, 1, 9){aappend(v, m[i])}{v}",
+           "v := {1: 2}, for(i, 1, 9){aappend(v, i)}{v}",
+           "for(i, 1, 9){aappend(v, i)}{v}",
+           "v := 5, for(i, 1, 9){aappend(v, i)}{v}",
+           "v := {}, for(v, 1, 9){aappend(v, 1)}{v}",
+           "v := {}, i := 0, while(i < 9){i := i + 1, aappend(v, i)}{v}",
+           "v := {}, for(i, 1, 30){v := cond(i = 20, 7, v), aappend(v, i)}{v}",
+           "s := \"\", for(i, 1, 40){s := s + \"ab\"}{s}",
+           "s := \"a\", for(i, 1, 9){s := s + s}{s}",
+           "s := \"a\", t := \"b\", u := s, for(i, 1, 9){s := s + t, t := cond(i = 5, 1, t)}, s + "
+           "u",
+           "s := \"a\", t := \"b\", u := s, for(i, 1, 9){s := s + t}, s + u",
+           "s := \"a\", for(i, 1, 9){s := s + i}{s}",
+           "s := \"a\", for(i, 1, 20){s := s + missing}{s}",
+           "s := \"a\", i := 0, while(i < 20){i := i + 1, s := s + \"-\"}{s}",
            "i := 0, while(i < 9){i := i + 1}{i}",
            "i := 0.0, while(i < 9){i := i + 0.5}{i}",
            "i := 9, while(i){i := i - 1}{i}",

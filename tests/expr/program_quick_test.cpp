@@ -94,10 +94,10 @@ void Bind(IxoMepValueSet& scope) {
 
 // An evaluation into that value, or into none.
 std::string Traced(const IxoMepExpressionParser& parser, IxoMepValueSet& scope,
-                   const IxoMepValue* into, bool strict) {
+                   const IxoMepValue* into, bool strict, bool own_scope = false) {
   String text("before");
   IxoMepValue* slot = into != nullptr ? new IxoMepValue(*into) : nullptr;
-  const IxoMepErrorEnum code = parser.Evaluate(&scope, slot, text, strict, false);
+  const IxoMepErrorEnum code = parser.Evaluate(&scope, slot, text, strict, own_scope);
   const ValuePtr owner(slot);
   return std::to_string(code) + " \"" + std::string(text.view()) + "\" " + ShownValue(slot) +
          " depth " + std::to_string(IxoMepExprNode::m_nCallDepth);
@@ -112,7 +112,8 @@ IxoMepExpressionParser Compiled(const std::string& expression) {
 }
 
 bool IsReady(const IxoMepExpressionParser& parser, const IxoMepValueSet& scope) {
-  return FindQuickTree(*parser.GetTree(), &scope) != nullptr;
+  const QuickTree* const tree = FindQuickTree(*parser.GetTree());
+  return tree != nullptr && tree->names.IsBoundTo(&scope);
 }
 
 // Evaluates until the quick tree is ready.
@@ -138,7 +139,7 @@ TEST(QuickTree, Random_quiet_expressions_give_what_the_walk_gives) {
       const IxoMepValue into = random.Value();
       const IxoMepValue* const slot = random.Below(6) == 0 ? nullptr : &into;
       const bool strict = random.Below(4) == 0;
-      const std::string first = Traced(quick, scope, slot, strict);
+      const std::string first = Traced(quick, scope, slot, strict, random.Below(2) == 0);
       were_ready += IsReady(quick, scope) ? 1 : 0;
       const std::string second = Traced(quick, scope, slot, strict);
       const UseOfPrograms walk_only(false);
@@ -170,6 +171,27 @@ TEST(QuickTree, Is_ready_once_the_scope_was_the_same_twice_and_until_variables_c
   scope.NewSetValue(Intern("fresh"), IxoMepValue(1), true);
   EXPECT_FALSE(IsReady(parser, scope));
   EXPECT_EQ(Traced(parser, scope, &number, false), "0 \"before\" integer 3 depth 0");
+}
+
+TEST(QuickTree, Serves_evaluations_in_a_scope_of_their_own_too) {
+  const IxoMepExpressionParser parser = Compiled("i + u[j]");
+  const IxoMepExpressionParser text = Compiled("s + \" \" + STR i");
+  IxoMepValueSet scope;
+  Bind(scope);
+  scope.NewSetValue(Intern("u"), ValueOf("{3: 5}"), true);
+  const IxoMepValue number(0);
+  for (int time = 1; time <= 5; ++time) {
+    EXPECT_EQ(Traced(parser, scope, &number, false, true), "0 \"before\" integer 7 depth 0")
+        << time;
+    EXPECT_EQ(Traced(text, scope, &number, false, true), "0 \"before\" string \"text 2\" depth 0");
+  }
+  EXPECT_TRUE(IsReady(parser, scope));
+  EXPECT_TRUE(IsReady(text, scope));
+  IxoMepValueSet inner(&scope);
+  EXPECT_EQ(Traced(parser, inner, &number, false, true), "0 \"before\" integer 7 depth 0");
+  String message;
+  IxoMepValue* slot = nullptr;
+  EXPECT_EQ(parser.Evaluate(nullptr, slot, message, true, true), IMEPERR_UNKNOWN_VARIABLE);
 }
 
 TEST(QuickTree, Exists_for_quiet_trees_only) {

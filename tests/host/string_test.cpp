@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <span>
 #include <stdexcept>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -306,6 +308,28 @@ TEST(String, Plus_joins_all_kinds_of_text) {
   EXPECT_EQ(text + std::string("c"), "bc");
   EXPECT_EQ(std::string("a") + text, "ab");
   EXPECT_TRUE((String() + String()).IsEmpty());
+}
+
+TEST(String, Join_replaces_the_text_where_it_stands_unless_that_is_shared_or_far_too_large) {
+  const std::string_view parts[] = {"abc", "", "defgh"};
+  String text = String::Filled(20, 'x');
+  const char* const storage = text.c_str();
+  EXPECT_EQ(text.Join(parts), "abcdefgh");
+  EXPECT_EQ(text.c_str(), storage);
+  EXPECT_EQ(text.c_str()[8], '\0');
+  const String copy = text;
+  EXPECT_EQ(text.Join(std::span(parts, 1)), "abc");
+  EXPECT_EQ(copy, "abcdefgh");
+  String large = String::Filled(100000, 'x');
+  const char* const large_storage = large.c_str();
+  EXPECT_EQ(large.Join(parts), "abcdefgh");
+  EXPECT_NE(large.c_str(), large_storage);
+  EXPECT_EQ(large.Join(std::span<const std::string_view>()), "");
+  EXPECT_TRUE(large.SharesTextWith(String()));
+  EXPECT_EQ(large.Join(parts), "abcdefgh");
+  String one("y");
+  EXPECT_EQ(one.Join(parts), "abcdefgh");
+  EXPECT_EQ(String("y"), "y");
 }
 
 TEST(String, Compares_bytes_as_unsigned_numbers_and_the_shorter_beginning_is_less) {
