@@ -5,8 +5,9 @@
 
 A cell is the median of the repeats, their coefficient of variation, and how many times as long as
 this library it took. A second table, where the results hold the single repeats, has the fastest
-repeat of each: what other work on the machine disturbs least. What was measured with a number of bytes is shown as a rate in megabytes a
-second of processor time, everything else as time. Results named otherwise are not shown.
+repeat of each: what other work on the machine disturbs least. What was measured with a number of
+bytes is shown as a rate in megabytes a second of processor time, everything else as time. Results
+named otherwise are not shown.
 """
 import json
 import sys

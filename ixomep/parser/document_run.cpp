@@ -50,8 +50,7 @@ const char* Foreseen(const char* equal) noexcept {
 
 }  // namespace
 
-// --- Literals
-// -------------------------------------------------------------------------------------
+// --- Literals -----------------------------------------------------------------------------------
 
 // A string or plain number; false, and nothing is changed, when something else stands there.
 bool DocumentScanner::ReadPlainLiteral(const char*& at, LiteralRecord& literal) const noexcept {
