@@ -80,12 +80,13 @@ class RecordArray {
   }
   void Pop() noexcept { --size_; }
   void Clear() noexcept { size_ = 0; }
-  // Gives back the room for more.
+  // Gives back the room for more, but for an eighth of a large block: the next text needs it again.
   void Trim() {
+    const std::size_t bytes = std::size_t{size_} * sizeof(Record);
     if (size_ == 0) {
       Free();
-    } else if (size_ < capacity_) {
-      SetCapacity(size_);
+    } else if (block_bytes_ < IdleBlocks::kLeast || block_bytes_ - bytes > bytes / 8) {
+      if (block_bytes_ != bytes) SetCapacity(size_);
     }
   }
 
@@ -119,11 +120,10 @@ class RecordArray {
     capacity_ = capacity;
   }
 
-  // Whether the records are in a block of so many bytes now. It may have a third more of them, or
-  // as many more as are not worth to be given back.
+  // Whether the records are in a block of so many bytes now. While they grow it may have more of
+  // them: an idle one.
   bool Resize(std::size_t bytes) noexcept {
-    if (bytes <= block_bytes_ && block_bytes_ - bytes <= bytes / 3 + IdleBlocks::kLeast)
-      return true;
+    if (bytes <= block_bytes_ && bytes > std::size_t{capacity_} * sizeof(Record)) return true;
     std::size_t new_bytes = bytes;
     void* block = nullptr;
     const bool is_larger = bytes > block_bytes_;

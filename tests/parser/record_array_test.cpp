@@ -107,6 +107,28 @@ TEST(RecordArray, Takes_the_tail_of_another_one) {
   EXPECT_TRUE(all.IsEmpty());
 }
 
+// What a trimmed array still has is counted: nothing beside its records, or an eighth of a large
+// one.
+TEST(RecordArray, Keeps_and_counts_no_more_than_an_eighth_when_it_is_trimmed) {
+  const std::size_t before = MemoryBudget::InUse();
+  Numbers few;
+  few.Reserve(1000);
+  Fill(few, 10);
+  few.Trim();
+  EXPECT_EQ(MemoryBudget::InUse() - before, 10 * sizeof(std::uint64_t));
+  for (const std::uint32_t reserved : {100'000U, 150'000U, 400'000U}) {
+    const std::size_t start = MemoryBudget::InUse();
+    Numbers many;
+    many.Reserve(reserved);
+    Fill(many, 95'000);
+    many.Trim();
+    const std::size_t bytes = 95'000 * sizeof(std::uint64_t);
+    EXPECT_GE(MemoryBudget::InUse() - start, bytes) << reserved;
+    EXPECT_LE(MemoryBudget::InUse() - start, bytes + bytes / 8) << reserved;
+    ExpectFilled(many, 95'000);
+  }
+}
+
 TEST(RecordArray, Stays_as_it_is_when_the_memory_cannot_be_had) {
   Numbers numbers;
   Fill(numbers, 10);
